@@ -1,0 +1,66 @@
+# How test and fuzz programs are made known, to CMake and to ./check.
+#
+# Every build folder gets what ./check reads:
+#   test-programs.txt   NAME FILTER   a GoogleTest program in bin/ to run here, and which of its tests
+#   fuzz-programs.txt   NAME          a libFuzzer program in bin/ to run here
+#   test-runner.txt     COMMAND...    what runs them where this machine can't: an emulator; empty elsewhere
+include_guard(GLOBAL)
+
+# zerb_add_test(NAME [SOURCES file...] [LIBRARIES target...] [PRESETS preset[=filter]...] [OWN_MAIN])
+#
+# Builds a GoogleTest program of these sources and libraries and has ./check run it in the named presets; the
+# debug preset, which is for working on the code, always lists it whole. A filter, as for --gtest_filter, limits
+# what a preset runs: PRESETS release asan "tsan=Threads*.*". Without SOURCES the target has to exist already.
+# OWN_MAIN leaves out GoogleTest's main function.
+# Without GoogleTest on this machine no program is made; nothing else may depend on a test program.
+function(zerb_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 test "OWN_MAIN" "" "SOURCES;LIBRARIES;PRESETS")
+    if(NOT TARGET GTest::gtest)
+        message(STATUS "No GoogleTest here: ${name} is not built")
+        return()
+    endif()
+    if(test_SOURCES)
+        add_executable(${name} ${test_SOURCES})
+    endif()
+    set(mainLibrary GTest::gtest_main)
+    if(test_OWN_MAIN)
+        set(mainLibrary "")
+    endif()
+    target_link_libraries(${name} PRIVATE zerb_warnings ${test_LIBRARIES} GTest::gtest ${mainLibrary})
+    foreach(entry debug ${test_PRESETS})
+        if(entry MATCHES "^([^=]+)=?(.*)$" AND CMAKE_MATCH_1 STREQUAL ZERB_PRESET)
+            set(filter "${CMAKE_MATCH_2}")
+            if(filter STREQUAL "")
+                set(filter "*")
+            endif()
+            set_property(GLOBAL APPEND_STRING PROPERTY zerbTestPrograms "${name} ${filter}\n")
+        endif()
+    endforeach()
+endfunction()
+
+# zerb_add_fuzz(NAME SOURCES file... [LIBRARIES target...])
+#
+# Builds a libFuzzer program, in the fuzz preset alone: it takes Clang and instruments all it links with.
+# Its starting inputs lie in tests/fuzz/corpus/NAME.
+function(zerb_add_fuzz name)
+    cmake_parse_arguments(PARSE_ARGV 1 fuzz "" "" "SOURCES;LIBRARIES")
+    if(NOT ZERB_PRESET STREQUAL "fuzz")
+        return()
+    endif()
+    add_executable(${name} ${fuzz_SOURCES})
+    target_link_libraries(${name} PRIVATE zerb_warnings ${fuzz_LIBRARIES})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    set_property(GLOBAL APPEND_STRING PROPERTY zerbFuzzPrograms "${name}\n")
+endfunction()
+
+# zerb_write_test_lists()
+#
+# Writes them; called once, after every folder has had its say.
+function(zerb_write_test_lists)
+    get_property(testPrograms GLOBAL PROPERTY zerbTestPrograms)
+    get_property(fuzzPrograms GLOBAL PROPERTY zerbFuzzPrograms)
+    file(WRITE ${CMAKE_BINARY_DIR}/test-programs.txt "${testPrograms}")
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " runner)
+    file(WRITE ${CMAKE_BINARY_DIR}/fuzz-programs.txt "${fuzzPrograms}")
+    file(WRITE ${CMAKE_BINARY_DIR}/test-runner.txt "${runner}\n")
+endfunction()
