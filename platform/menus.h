@@ -1,0 +1,24 @@
+// The Menu Manager, as far as pop-up menus need it.
+
+#pragma once
+
+#include "platform/types.h"
+
+// Given instead of the menu before which one is inserted: it is to pop up or to hang below another.
+constexpr MenuID hierMenu = -1;
+
+#pragma GCC visibility push(default)
+extern "C"
+{
+
+MenuRef GetMenu(SInt16 resID);
+void InsertMenu(MenuRef menu, MenuID beforeID);
+void DeleteMenu(MenuID menuID);
+UInt16 CountMenuItems(MenuRef menu);
+void CheckMenuItem(MenuRef menu, MenuItemIndex item, Boolean checked);
+
+// The menu's ID in the high half of the result and the chosen item in the low half; 0 when nothing was chosen.
+SInt32 PopUpMenuSelect(MenuRef menu, SInt16 top, SInt16 left, MenuItemIndex popUpItem);
+
+}
+#pragma GCC visibility pop
