@@ -1,0 +1,227 @@
+#include "standin/files/directories.h"
+
+#include "standin/files/listings.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <mutex>
+#include <unordered_map>
+
+namespace standin
+{
+
+namespace
+{
+
+constexpr std::size_t mostOpenFolders = 40;
+constexpr std::int64_t longestIdleMilliseconds = 1000;
+constexpr std::size_t longestPiece = 3800;       // of a path handed to the kernel at once
+constexpr std::size_t deepestFolder = 1000000;   // beyond it the remembered parents must be going in a circle
+
+struct OpenFolder
+{
+    FolderHandle handle;
+    std::int64_t lastUse;
+};
+
+struct OpenFolderTable
+{
+    std::mutex mutex;
+    std::unordered_map<std::uint64_t, OpenFolder> folders;   // by volume and ID
+};
+
+OpenFolderTable &table()
+{
+    static OpenFolderTable folders;
+    return folders;
+}
+
+std::uint64_t keyOf(const Volume &volume, UInt32 id)
+{
+    return (static_cast<std::uint64_t>(static_cast<UInt16>(volume.number)) << 32) | id;
+}
+
+FolderHandle recentlyUsed(const Volume &volume, UInt32 id)
+{
+    if (id == fsRtDirID)
+        return volume.root;
+    const std::int64_t now = linux_calls::milliseconds();
+    const std::lock_guard lock(table().mutex);
+    const auto found = table().folders.find(keyOf(volume, id));
+    if (found == table().folders.end() || now - found->second.lastUse > longestIdleMilliseconds)
+        return nullptr;
+    found->second.lastUse = now;
+    return found->second.handle;
+}
+
+FolderHandle everUsed(const Volume &volume, UInt32 id)
+{
+    const std::lock_guard lock(table().mutex);
+    const auto found = table().folders.find(keyOf(volume, id));
+    return found == table().folders.end() ? nullptr : found->second.handle;
+}
+
+FolderHandle keep(const Volume &volume, UInt32 id, Descriptor descriptor)
+{
+    auto handle = std::make_shared<const Descriptor>(std::move(descriptor));
+    const std::lock_guard lock(table().mutex);
+    auto &folders = table().folders;
+    folders.insert_or_assign(keyOf(volume, id), OpenFolder{handle, linux_calls::milliseconds()});
+    if (folders.size() > mostOpenFolders)
+        folders.erase(std::min_element(folders.begin(), folders.end(),
+                                       [](const auto &a, const auto &b) { return a.second.lastUse < b.second.lastUse; }));
+    return handle;
+}
+
+bool isFolderOf(const Volume &volume, int descriptor, const Identity &identity)
+{
+    ObjectStatus status;
+    return linux_calls::statusOf(descriptor, status) == 0 && sameObject(identityOf(volume, status), identity);
+}
+
+// One level down, for kernels that cannot go down a whole path at once, and for looking at each level.
+Descriptor openChild(int parent, const std::string &name)
+{
+    return Descriptor(linux_calls::openAt(parent, name.c_str(), O_PATH | O_DIRECTORY));
+}
+
+// The remembered folders from just below an open one down to the wanted one, and that open one.
+OSErr collectWay(const Volume &volume, UInt32 id, Anchoring anchoring, std::vector<Folder> &way, FolderHandle &start)
+{
+    for (;;)
+    {
+        const bool mayTake = id == fsRtDirID || (anchoring == Anchoring::recent && !way.empty());
+        if (mayTake && (start = recentlyUsed(volume, id)))
+            break;
+        Folder folder;
+        if (way.size() > deepestFolder || !recallFolder(volume, id, folder))
+            return dirNFErr;
+        id = folder.parentID;
+        way.push_back(std::move(folder));
+    }
+    std::reverse(way.begin(), way.end());
+    return noErr;
+}
+
+// Goes down the remembered names, as many at a time as fit into a path. Not open if any of them is not there.
+Descriptor descend(int start, const std::vector<Folder> &way)
+{
+    Descriptor current;
+    for (std::size_t next = 0; next < way.size();)
+    {
+        std::string piece = way[next++].name;
+        while (next < way.size() && piece.size() + way[next].name.size() < longestPiece)
+            piece += '/' + way[next++].name;
+        const int from = current.isOpen() ? current.number() : start;
+        Descriptor below(linux_calls::openFolderBeneath(from, piece.c_str()));
+        current = std::move(below);
+        if (!current.isOpen())
+            break;
+    }
+    return current;
+}
+
+// The folder by another way than its remembered name: a descriptor left from earlier, or its inode number where the process may open by that.
+OSErr findElsewhere(const Volume &volume, const Folder &folder, UInt32 &id)
+{
+    if (const FolderHandle old = everUsed(volume, folder.id); old && anchorFolder(volume, old->number(), id) == noErr)
+        return noErr;
+    if (folder.identity.birth == 0)
+        return dirNFErr;   // an inode number alone would be a guess
+    const Descriptor opened(linux_calls::openByInode(volume.root->number(), folder.identity.inode));
+    if (!opened.isOpen() || !isFolderOf(volume, opened.number(), folder.identity))
+        return dirNFErr;
+    return anchorFolder(volume, opened.number(), id);
+}
+
+// Down again level by level; where a name does not lead to the remembered folder, it is looked for under other names and in other places.
+OSErr descendSlowly(const Volume &volume, FolderHandle start, const std::vector<Folder> &way, FolderHandle &handle)
+{
+    FolderHandle current = std::move(start);
+    UInt32 parentID = way.front().parentID;
+    for (const Folder &folder : way)
+    {
+        Descriptor next = openChild(current->number(), folder.name);
+        if (!next.isOpen() || !isFolderOf(volume, next.number(), folder.identity))
+        {
+            const std::string name = findByIdentity(volume, current->number(), folder.identity);
+            UInt32 id;
+            if (name.empty())
+                return findElsewhere(volume, folder, id) == noErr ? openFolder(volume, way.back().id, handle, Anchoring::anew) : dirNFErr;
+            next = openChild(current->number(), name);
+            rememberFolder(volume, parentID, name, folder.identity);
+        }
+        parentID = folder.id;
+        current = std::make_shared<const Descriptor>(std::move(next));
+    }
+    handle = std::move(current);
+    return handle->isOpen() ? noErr : dirNFErr;
+}
+
+}   // namespace
+
+OSErr openFolder(const Volume &volume, UInt32 id, FolderHandle &handle, Anchoring anchoring)
+{
+    if (anchoring == Anchoring::recent || id == fsRtDirID)
+        if ((handle = recentlyUsed(volume, id)))
+            return noErr;
+    std::vector<Folder> way;
+    FolderHandle start;
+    if (OSErr result = collectWay(volume, id, anchoring, way, start))
+        return result;
+    Descriptor reached = descend(start->number(), way);
+    if (reached.isOpen() && isFolderOf(volume, reached.number(), way.back().identity))
+    {
+        handle = keep(volume, id, std::move(reached));
+        return noErr;
+    }
+    return descendSlowly(volume, start, way, handle);
+}
+
+OSErr anchorFolder(const Volume &volume, int folder, UInt32 &id)
+{
+    struct Level
+    {
+        std::string name;
+        Identity identity;
+    };
+    std::vector<Level> levels;
+    Descriptor current = Descriptor(linux_calls::openAt(folder, ".", O_PATH | O_DIRECTORY));
+    ObjectStatus status;
+    while (current.isOpen() && linux_calls::statusOf(current.number(), status) == 0 && levels.size() < deepestFolder)
+    {
+        const Identity identity = identityOf(volume, status);
+        if (status.mount != volume.rootStatus.mount)
+            return dirNFErr;
+        if (sameObject(identity, identityOf(volume, volume.rootStatus)))
+        {
+            id = fsRtDirID;
+            for (auto level = levels.rbegin(); level != levels.rend(); ++level)
+                id = rememberFolder(volume, id, level->name, level->identity);
+            return noErr;
+        }
+        Descriptor parent(linux_calls::openAt(current.number(), "..", O_PATH | O_DIRECTORY));
+        if (!parent.isOpen())
+            return dirNFErr;
+        std::string name = findByIdentity(volume, parent.number(), identity);
+        if (name.empty())
+            return dirNFErr;   // deleted, or at the top of everything
+        levels.push_back({std::move(name), identity});
+        current = std::move(parent);
+    }
+    return dirNFErr;
+}
+
+void forgetDirectoriesOf(FSVolumeRefNum volume)
+{
+    const std::lock_guard lock(table().mutex);
+    std::erase_if(table().folders, [&](const auto &entry) { return entry.first >> 32 == static_cast<UInt16>(volume); });
+}
+
+void forgetAllDirectories()
+{
+    const std::lock_guard lock(table().mutex);
+    table().folders.clear();
+}
+
+}   // namespace standin

@@ -1,0 +1,230 @@
+#include "standin/files/forks.h"
+
+#include "standin/files/errors.h"
+#include "standin/files/metadata.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <string_view>
+
+using namespace standin;
+
+namespace
+{
+
+constexpr char16_t resourceForkName[] = u"RESOURCE_FORK";
+constexpr std::size_t resourceForkNameLength = std::size(resourceForkName) - 1;
+constexpr SInt16 firstReferenceNumber = 2, lastReferenceNumber = 0x7FFF;
+
+struct OpenFork
+{
+    FSRef object;
+    FSVolumeRefNum volume;
+    Identity identity;
+    bool isResourceFork;
+    bool mayWrite;
+    Descriptor file;   // of the data fork; a resource fork's sidecar is opened when it is read or written
+};
+
+struct ForkTable
+{
+    std::mutex mutex;
+    std::map<SInt16, OpenFork> forks;   // by reference number
+};
+
+ForkTable &table()
+{
+    static ForkTable forks;
+    return forks;
+}
+
+bool isFork(const OpenFork &fork, const Identity &identity, bool isResourceFork)
+{
+    return fork.isResourceFork == isResourceFork && sameObject(fork.identity, identity);
+}
+
+OSErr forkFromName(UniCharCount length, const UniChar *name, bool &isResourceFork)
+{
+    if (length > 0 && !name)
+        return errFSBadForkName;
+    isResourceFork = length == resourceForkNameLength && std::equal(name, name + length, resourceForkName);
+    return length == 0 || isResourceFork ? static_cast<OSErr>(noErr) : static_cast<OSErr>(errFSBadForkName);
+}
+
+void fillName(HFSUniStr255 &name, bool isResourceFork)
+{
+    name.length = isResourceFork ? resourceForkNameLength : 0;
+    std::copy_n(resourceForkName, name.length, name.unicode);
+}
+
+// Opens an object's bytes, and makes sure that they are the bytes of that very object. Never waits, whatever lies there.
+OSErr openData(const Object &object, bool forWriting, Descriptor &file)
+{
+    ObjectStatus status;
+    const int opened =
+        linux_calls::openAt(object.folder->number(), object.name.c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
+    if (opened < 0)
+        return resultFromErrno(-opened);
+    file = Descriptor(opened);
+    if (linux_calls::statusOf(file.number(), status) < 0 || !sameObject(identityOf(*object.volume, status), object.identity()))
+        return fnfErr;
+    return noErr;
+}
+
+OSErr checkMayWrite(const Object &object)
+{
+    if (OSErr result = object.volume->checkChangeable())
+        return result;
+    return isLocked(object) ? fLckdErr : noErr;
+}
+
+// Decides about writing: asked for, forbidden, or (for "as is allowed") whatever can be had.
+OSErr openAsAllowed(const Object &object, SInt8 permissions, OpenFork &fork)
+{
+    const bool wantsWriting = permissions == fsWrPerm || permissions == fsRdWrPerm;
+    if (permissions != fsRdPerm)
+    {
+        OSErr result = checkMayWrite(object);
+        if (result == noErr)
+            result = openData(object, true, fork.file);
+        fork.mayWrite = result == noErr;
+        if (result == noErr || wantsWriting)
+            return result;
+    }
+    return openData(object, false, fork.file);
+}
+
+// A second writer of a fork is refused; a second one that takes what is allowed becomes a reader.
+OSErr shareFork(const ForkTable &forks, SInt8 permissions, OpenFork &fork)
+{
+    const bool isTaken = std::any_of(forks.forks.begin(), forks.forks.end(), [&](const auto &entry) {
+        return entry.second.mayWrite && isFork(entry.second, fork.identity, fork.isResourceFork);
+    });
+    if (!isTaken || !fork.mayWrite)
+        return noErr;
+    if (permissions != fsCurPerm)
+        return opWrErr;
+    fork.mayWrite = false;
+    return noErr;
+}
+
+OSErr addFork(OpenFork fork, SInt8 permissions, SInt16 &number)
+{
+    ForkTable &all = table();
+    const std::lock_guard lock(all.mutex);
+    if (OSErr result = shareFork(all, permissions, fork))
+        return result;
+    for (SInt16 candidate = firstReferenceNumber; candidate < lastReferenceNumber; ++candidate)
+        if (!all.forks.contains(candidate))
+        {
+            all.forks.emplace(candidate, std::move(fork));
+            number = candidate;
+            return noErr;
+        }
+    return tmfoErr;
+}
+
+OSErr forkAtIndex(const ForkTable &all, FSVolumeRefNum volume, SInt16 index, SInt16 &number)
+{
+    for (const auto &[candidate, fork] : all.forks)
+        if ((volume == kFSInvalidVolumeRefNum || fork.volume == volume) && --index == 0)
+        {
+            number = candidate;
+            return noErr;
+        }
+    return errFSNoMoreItems;
+}
+
+}   // namespace
+
+namespace standin
+{
+
+UInt16 openForkFlags(const Object &object)
+{
+    const Identity identity = object.identity();
+    const std::lock_guard lock(table().mutex);
+    UInt16 flags = 0;
+    for (const auto &[number, fork] : table().forks)
+        if (sameObject(fork.identity, identity))
+            flags |= static_cast<UInt16>((fork.isResourceFork ? kFSNodeResOpenMask : kFSNodeDataOpenMask) | kFSNodeForkOpenMask);
+    return flags;
+}
+
+bool hasOpenForksOn(FSVolumeRefNum volume)
+{
+    const std::lock_guard lock(table().mutex);
+    return std::any_of(table().forks.begin(), table().forks.end(), [&](const auto &entry) { return entry.second.volume == volume; });
+}
+
+}   // namespace standin
+
+OSErr FSGetDataForkName(HFSUniStr255 *name)
+{
+    if (!name)
+        return paramErr;
+    fillName(*name, false);
+    return noErr;
+}
+
+OSErr FSGetResourceForkName(HFSUniStr255 *name)
+{
+    if (!name)
+        return paramErr;
+    fillName(*name, true);
+    return noErr;
+}
+
+OSErr FSOpenFork(const FSRef *ref, UniCharCount nameLength, const UniChar *name, SInt8 permissions, SInt16 *number)
+{
+    Object object;
+    OpenFork fork{};
+    if (!number || permissions < fsCurPerm || permissions > fsRdWrPerm)
+        return paramErr;
+    if (OSErr result = forkFromName(nameLength, name, fork.isResourceFork))
+        return result;
+    if (OSErr result = findObject(ref, object))
+        return result;
+    if (!object.status.isRegular())
+        return notAFileErr;
+    if (OSErr result = openAsAllowed(object, permissions, fork))
+        return result;
+    fork.object = *ref;
+    fork.volume = object.volume->number;
+    fork.identity = object.identity();
+    return addFork(std::move(fork), permissions, *number);
+}
+
+OSErr FSCloseFork(SInt16 number)
+{
+    const std::lock_guard lock(table().mutex);
+    return table().forks.erase(number) ? noErr : rfNumErr;
+}
+
+OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actual, FSForkInfo *info, FSRef *ref, HFSUniStr255 *name)
+{
+    SInt16 number = refNum;
+    if (info)
+        return paramErr;   // its layout is not published here
+    const std::lock_guard lock(table().mutex);
+    if (iterator)
+    {
+        const SInt16 next = static_cast<SInt16>(*iterator + 1);
+        if (OSErr result = forkAtIndex(table(), volume, next, number))
+            return result;
+        *iterator = next;
+    }
+    const auto found = table().forks.find(number);
+    if (found == table().forks.end())
+        return rfNumErr;
+    if (actual)
+        *actual = number;
+    if (ref)
+        *ref = found->second.object;
+    if (name)
+        fillName(*name, found->second.isResourceFork);
+    return noErr;
+}

@@ -1,0 +1,102 @@
+// The only door to Linux for the file manager: thin system calls, interrupted ones repeated, every call counted.
+//
+// Every call gives 0 or more on success and the negative errno on failure. Nothing here ever follows a symbolic link in the last component.
+// A place is a folder's descriptor (O_PATH is enough) and a name in it; the name "." stands for the folder itself.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <span>
+#include <string>
+#include <sys/types.h>
+#include <utility>
+
+struct statvfs;
+
+namespace standin
+{
+
+// Owns a descriptor. Made from a failed call it is not open, and its number is the negative errno.
+class Descriptor
+{
+public:
+    Descriptor() = default;
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor &&other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor &operator=(Descriptor &&other) noexcept;
+    ~Descriptor() { reset(); }
+
+    int number() const { return number_; }
+    bool isOpen() const { return number_ >= 0; }
+    void reset();
+
+private:
+    int number_ = -1;
+};
+
+// What Linux knows about an object, from one call.
+struct ObjectStatus
+{
+    std::uint64_t device = 0, inode = 0, mount = 0;
+    std::uint32_t mode = 0, links = 0, user = 0, group = 0;
+    std::uint64_t size = 0, allocated = 0;   // bytes
+    std::timespec access{}, change{}, modification{}, birth{};
+    bool hasBirth = false;
+    bool isMountPoint = false;
+
+    bool isFolder() const { return (mode & 0170000) == 0040000; }
+    bool isRegular() const { return (mode & 0170000) == 0100000; }
+    bool isSymbolicLink() const { return (mode & 0170000) == 0120000; }
+};
+
+namespace linux_calls
+{
+
+std::uint64_t count();
+std::timespec now();           // the exact clock, never the coarse one
+std::int64_t milliseconds();   // a clock that only goes forward
+void sleepMilliseconds(int milliseconds);
+
+int statusAt(int folder, const char *name, ObjectStatus &status);
+int statusOf(int descriptor, ObjectStatus &status);
+
+int openAt(int folder, const char *name, int flags, mode_t mode = 0);
+int openAbsoluteFolder(const char *path);                      // follows links: only for what the host itself names
+int openFolderBeneath(int folder, const char *relativePath);   // no links, no mounts, not above; -ENOSYS on old kernels
+int openTemporary(int folder, mode_t mode);                    // a file without a name
+int giveName(int descriptor, int folder, const char *name);    // … gets its name; refuses to replace
+int openByInode(int anyDescriptorOnDisk, std::uint64_t inode); // needs a privilege, and a disk whose handles can be made from an inode number
+
+ssize_t readDirectory(int descriptor, std::span<char> buffer);
+ssize_t readLink(int folder, const char *name, std::span<char> target);
+std::string pathOf(int descriptor);        // where the kernel says that it lies, or empty
+std::string currentDirectory();            // or empty
+
+ssize_t listAttributes(int folder, const char *name, std::span<char> names);
+ssize_t getAttribute(int folder, const char *name, const char *attribute, std::span<std::uint8_t> value);
+int setAttribute(int descriptor, const char *attribute, std::span<const std::uint8_t> value);   // O_PATH is enough
+int removeAttribute(int descriptor, const char *attribute);                                     // likewise
+
+int setTimes(int descriptor, const std::timespec times[2]);   // O_PATH is enough, for these three
+int setMode(int descriptor, std::uint32_t mode);
+int setOwner(int descriptor, std::uint32_t user, std::uint32_t group);
+
+int linkAt(int fromFolder, const char *fromName, int toFolder, const char *toName);
+int renameAt(int fromFolder, const char *fromName, int toFolder, const char *toName);                 // may replace
+int renameWithoutReplacing(int fromFolder, const char *fromName, int toFolder, const char *toName);
+int unlinkAt(int folder, const char *name);
+int removeFolderAt(int folder, const char *name);
+int makeFolderAt(int folder, const char *name, mode_t mode);
+
+ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);          // until full or the end of the file
+int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t offset);       // all or a failure
+int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length);   // in the kernel where it can
+
+int tryLock(int descriptor);   // -EWOULDBLOCK while another description of the same object holds it
+int diskStatistics(int descriptor, struct statvfs &statistics);
+std::int64_t diskKind(int descriptor);   // the kernel's magic number for the file system
+bool mayAccess(int folder, const char *name, int mode);
+std::uint32_t effectiveUser();
+
+}   // namespace linux_calls
+}   // namespace standin

@@ -1,0 +1,50 @@
+// What a catalogue record holds and Linux has no place for: where it is kept, read and written.
+//
+// One authority for each item, the other copies kept in line on writing and read where the authority has nothing:
+//   Finder information            the shared attribute, then entry 9 of the sidecar
+//   creation and backup date      our own attribute, then entry 8 of the shared one
+//   encoding hint                 our own attribute
+//   lock                          our own attribute, entry 14 of the shared one, entry 10 or 14 of the sidecar: locked if any of them says so
+// Where an object can have no attributes (a disk without them, a link, a fifo, a device), the sidecar is the only place: entries 9, 8, 10 and our own record.
+#pragma once
+
+#include "platform/platform.h"
+#include "standin/files/attribute_format.h"
+#include "standin/files/references.h"
+
+#include <functional>
+
+namespace standin
+{
+
+enum MetadataPart : unsigned
+{
+    kFinderPart = 1,
+    kDatesPart = 2,   // creation and backup
+    kLockPart = 4,
+    kHintPart = 8,
+    kForkPart = 16,   // the resource fork's sizes; read only
+    kEveryPart = 31,
+};
+
+struct Metadata
+{
+    FinderBytes finderInfo{};
+    OwnRecord own;   // a date that is not set reads as the disk's own, or as never
+    std::uint64_t forkLogicalSize = 0, forkPhysicalSize = 0;
+};
+
+// Reads the parts asked for; what is missing or damaged has its default. At most one call more for a part that an object does not have.
+void readMetadata(const Object &object, unsigned parts, Metadata &metadata);
+
+// Changes the parts given, through a descriptor of the object itself (O_PATH is enough). Nothing is written for what is as it was, and nothing for defaults
+// that were never anything else. With the parent folder's lock held. Result: noErr or a code, and then the object is as it was but for copies.
+// `change` is given what is there and turns it into what is wanted.
+OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const std::function<void(Metadata &)> &change);
+
+// When the object was made, as far as anybody knows: the date that was set, else its birth, else the earlier of its other dates.
+UTCDateTime creationDateOf(const Object &object, const OwnRecord &own);
+
+bool isLocked(const Object &object);
+
+}   // namespace standin

@@ -1,0 +1,43 @@
+// The 80 bytes of an FSRef ↔ the fields that it holds, without any disk.
+//
+//   bytes  0-7   inode                         20-21  volume
+//          8-15  birth or moment of listing    22-23  device, as a small number
+//         16-19  parent folder's ID            24-27  keyed check sum of all the rest
+//         28     length of the name; 0 if a hash stands in its place
+//         29     1 if the time is a birth      30-79  the name, or eight bytes of its hash
+// A reference is valid in the process that made it and in no other: the key is drawn at its start.
+#pragma once
+
+#include "platform/platform.h"
+#include "standin/files/nodes.h"
+
+#include <string>
+#include <string_view>
+
+namespace standin
+{
+
+constexpr std::size_t longestNameInReference = 50;
+
+struct ReferenceFields
+{
+    FSVolumeRefNum volume = 0;
+    UInt32 parentID = 0;
+    std::uint64_t device = 0, inode = 0;
+    Birth time = 0;             // 0: the disk has no births
+    bool timeIsBirth = false;   // else it is the moment at which a listing showed the object
+    bool nameIsHashed = false;
+    std::string name;           // unless it is hashed
+    std::uint64_t nameHash = 0;
+};
+
+bool isLongName(std::string_view diskName);
+std::uint64_t longNameHash(std::string_view diskName);
+
+// Packs the fields; `name` is stored or hashed as its length asks, `fields.name…` are not looked at.
+FSRef writeReference(const ReferenceFields &fields, std::string_view name);
+
+// False, with `fields` untouched, for bytes that this process did not make.
+bool readReference(const FSRef &reference, ReferenceFields &fields);
+
+}   // namespace standin

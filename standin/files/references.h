@@ -1,0 +1,64 @@
+// References: the 80 bytes of an FSRef ↔ an object on a disk.
+//
+// A reference holds volume, parent folder's ID, device and inode, the name (or a hash of it, if it is longer than 50 bytes) and a time: the object's exact
+// birth where its status was asked for, else the moment at which a listing showed it. A keyed check sum tells a reference of this process from other bytes.
+#pragma once
+
+#include "platform/platform.h"
+#include "standin/files/directories.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace standin
+{
+
+// An object that was found, with the status that it had then.
+struct Object
+{
+    VolumeHandle volume;
+    UInt32 parentID = 0;
+    FolderHandle folder;   // the parent; for a volume's root the root itself
+    std::string name;      // on disk; "." for a root
+    ObjectStatus status;
+
+    bool isRoot() const { return name == "."; }
+    bool isFolder() const { return status.isFolder(); }
+    Identity identity() const { return identityOf(*volume, status); }
+    // The object's ID; a folder is remembered with it.
+    UInt32 nodeID() const;
+    // A folder mounted over: it stands for an empty folder.
+    bool isMountPoint() const { return status.isMountPoint && !isRoot(); }
+};
+
+// Finds the object that a reference names: under its own name, where this process moved it, under another name in the same folder,
+// or by its inode number where the process may. Result: noErr; paramErr for null; errFSBadFSRef for bytes that are no reference; nsvErr; fnfErr; dirNFErr.
+OSErr findObject(const FSRef *reference, Object &object);
+
+// The same, but the folder must be found from the volume's root anew: before a deletion.
+OSErr findObjectAnew(const FSRef *reference, Object &object);
+
+// Looks a name up in a folder by its disk name. Result: noErr; fnfErr; dirNFErr.
+OSErr findNamed(const VolumeHandle &volume, UInt32 parentID, const std::string &diskName, Object &object);
+
+// Tries disk names in order, and then, where nothing has one of them, the short forms of the folder's longer names.
+OSErr findFirstNamed(const VolumeHandle &volume, UInt32 parentID, const std::vector<std::string> &diskNames, Object &object);
+OSErr findShortNamed(const VolumeHandle &volume, UInt32 parentID, ConstStr255Param name, Object &object);
+
+OSErr findRoot(const VolumeHandle &volume, Object &object);
+OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object);
+
+// The reference to an object whose status was asked for.
+FSRef makeReference(const Object &object);
+
+// The reference to an object's parent folder; 80 zero bytes for a volume's root.
+FSRef makeParentReference(const Object &object);
+
+// The short name of an object for an FSSpec: plain where that leads back to it, else with a hash.
+void makeShortName(const Object &object, Str63 name);
+
+// Notes that this process gave an object another place, so that references made before find it.
+void noteMoved(const Object &object, UInt32 newParentID, std::string_view newName);
+
+}   // namespace standin

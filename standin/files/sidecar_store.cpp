@@ -1,0 +1,316 @@
+#include "standin/files/sidecar_store.h"
+
+#include "standin/files/attribute_block.h"
+#include "standin/files/errors.h"
+#include "standin/files/names.h"
+#include "standin/files/temporary_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+
+namespace standin
+{
+
+namespace
+{
+
+constexpr std::size_t headSize = 1024;                   // one read has the table and, in most sidecars, every small entry
+constexpr std::size_t blankForkSize = 286;
+constexpr std::uint64_t largestSmallEntry = 1 << 24;     // more than any writer's entry but the fork
+constexpr SidecarFiller ownFiller = {};
+
+std::string sidecarName(const SidecarPlace &place)
+{
+    return sidecarNameOf(place.name);
+}
+
+bool isBlankFork(const Sidecar &sidecar, const SidecarEntry &fork)
+{
+    std::uint8_t bytes[blankForkSize];
+    return fork.length == blankForkSize && linux_calls::readAt(sidecar.file.number(), bytes, fork.offset) == blankForkSize &&
+           isIntentionallyBlankFork(bytes);
+}
+
+SidecarState readHead(Sidecar &sidecar)
+{
+    if (linux_calls::statusOf(sidecar.file.number(), sidecar.status) < 0 || !sidecar.status.isRegular())
+        return SidecarState::bad;
+    sidecar.head.resize(std::min<std::uint64_t>(sidecar.status.size, headSize));
+    const ssize_t got = linux_calls::readAt(sidecar.file.number(), sidecar.head, 0);
+    if (got < 0)
+        return SidecarState::bad;
+    sidecar.head.resize(static_cast<std::size_t>(got));
+    const SidecarProblem problem = parseSidecar(sidecar.head, sidecar.status.size, sidecar.layout);
+    return problem == SidecarProblem::none ? SidecarState::good : SidecarState::bad;
+}
+
+// Writes a sidecar's head and, where there is an old one, its fork behind it. The temporary is then given the sidecar's name.
+OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, const Sidecar *old)
+{
+    TemporaryFile temporary;
+    const std::uint32_t mode = old ? old->status.mode : (place.status.mode & 0666) | 0600;
+    int failure = temporary.make(place.folder, mode);
+    if (failure == 0)
+        failure = linux_calls::writeAt(temporary.descriptor(), head, 0);
+    const SidecarEntry *fork = old ? old->layout.find(kResourceForkEntry) : nullptr;
+    if (failure == 0 && fork)
+        failure = linux_calls::copyBytes(old->file.number(), fork->offset, temporary.descriptor(), head.size(), fork->length);
+    if (failure < 0)
+        return resultFromErrno(-failure);
+    if (linux_calls::effectiveUser() == 0)
+        linux_calls::setOwner(temporary.descriptor(), place.status.user, place.status.group);
+    const std::string name = sidecarName(place);
+    failure = old ? temporary.replace(name.c_str()) : temporary.appear(name.c_str());
+    return resultFromErrno(-failure);
+}
+
+// A sidecar that others hold by a hard link becomes one of its own.
+OSErr copyApart(const SidecarPlace &place, const Sidecar &sidecar)
+{
+    TemporaryFile temporary;
+    int failure = temporary.make(place.folder, sidecar.status.mode);
+    if (failure == 0)
+        failure = linux_calls::copyBytes(sidecar.file.number(), 0, temporary.descriptor(), 0, sidecar.status.size);
+    if (failure == 0 && linux_calls::effectiveUser() == 0)
+        linux_calls::setOwner(temporary.descriptor(), sidecar.status.user, sidecar.status.group);
+    if (failure == 0)
+        failure = temporary.replace(sidecarName(place).c_str());
+    return resultFromErrno(-failure);
+}
+
+// Writes what fits where it stands and differs from what is there.
+int writeInPlace(const Sidecar &sidecar, std::span<const SidecarPiece> pieces)
+{
+    for (const SidecarPiece &piece : pieces)
+    {
+        const SidecarEntry *entry = sidecar.layout.find(piece.id);
+        std::vector<std::uint8_t> present(piece.bytes.size());
+        if (!sidecar.read(piece.id, present) || present == piece.bytes)
+            continue;
+        if (const int failure = linux_calls::writeAt(sidecar.file.number(), piece.bytes, entry->offset))
+            return failure;
+    }
+    return 0;
+}
+
+OSErr updateOpen(const SidecarPlace &place, Sidecar &sidecar, std::span<const SidecarPiece> pieces)
+{
+    if (sidecar.status.links > 1)
+    {
+        if (OSErr result = copyApart(place, sidecar))
+            return result;
+        if (openSidecar(place, true, sidecar) != SidecarState::good)
+            return fBsyErr;   // another program took its name meanwhile
+    }
+    return resultFromErrno(-writeInPlace(sidecar, pieces));
+}
+
+bool holdsAll(const Sidecar &sidecar, std::span<const SidecarPiece> pieces)
+{
+    return std::all_of(pieces.begin(), pieces.end(), [&](const SidecarPiece &piece) {
+        const SidecarEntry *entry = sidecar.layout.find(piece.id);
+        return entry && entry->length >= piece.bytes.size();
+    });
+}
+
+SidecarPiece *findPiece(std::vector<SidecarPiece> &pieces, std::uint32_t id)
+{
+    const auto found = std::find_if(pieces.begin(), pieces.end(), [&](const SidecarPiece &piece) { return piece.id == id; });
+    return found == pieces.end() ? nullptr : &*found;
+}
+
+// All small entries of a sidecar, with the new ones laid over them.
+OSErr mergePieces(const Sidecar &sidecar, std::span<const SidecarPiece> changes, std::vector<SidecarPiece> &merged)
+{
+    for (const SidecarEntry &entry : sidecar.layout.entries)
+    {
+        if (entry.id == kResourceForkEntry)
+            continue;
+        if (entry.length > largestSmallEntry)
+            return ioErr;
+        SidecarPiece piece{entry.id, std::vector<std::uint8_t>(entry.length)};
+        if (!sidecar.read(entry.id, piece.bytes))
+            return ioErr;
+        merged.push_back(std::move(piece));
+    }
+    for (const SidecarPiece &change : changes)
+    {
+        SidecarPiece *present = findPiece(merged, change.id);
+        if (!present)
+            present = &merged.emplace_back(SidecarPiece{change.id, {}});
+        present->bytes.resize(std::max(present->bytes.size(), change.bytes.size()));
+        std::copy(change.bytes.begin(), change.bytes.end(), present->bytes.begin());
+    }
+    return noErr;
+}
+
+OSErr rebuild(const SidecarPlace &place, const Sidecar &sidecar, std::span<const SidecarPiece> changes)
+{
+    std::vector<SidecarPiece> pieces;
+    if (OSErr result = mergePieces(sidecar, changes, pieces))
+        return result;
+    const SidecarEntry *finderInfo = sidecar.layout.find(kFinderInfoEntry);
+    const std::int64_t newOffset = static_cast<std::int64_t>(sidecarHeaderSize + sidecarDescriptorSize * (pieces.size() + 1));
+    if (finderInfo)
+        moveAttributeBlock(findPiece(pieces, kFinderInfoEntry)->bytes, newOffset - static_cast<std::int64_t>(finderInfo->offset));
+    const SidecarEntry *fork = sidecar.layout.find(kResourceForkEntry);
+    const auto head = buildSidecarHead(pieces, sidecar.layout.filler, fork ? static_cast<std::uint32_t>(fork->length) : 0);
+    return head.empty() ? static_cast<OSErr>(ioErr) : writeAnew(place, head, &sidecar);
+}
+
+OSErr makeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)
+{
+    if (!hasRoomForSidecar(place.name))
+        return errFSNameTooLong;
+    return writeAnew(place, buildSidecarHead(pieces, ownFiller, 0), nullptr);
+}
+
+// `NAME.orphan.rsrc`, `NAME.orphan-2.rsrc` …, shortened between characters where that is too long.
+std::string orphanName(const std::string &name, int number)
+{
+    const std::string ending = number == 1 ? ".orphan.rsrc" : ".orphan-" + std::to_string(number) + ".rsrc";
+    std::size_t length = std::min(name.size(), longestDiskName - ending.size());
+    while (length < name.size() && length > 1 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80)
+        --length;
+    return name.substr(0, length) + ending;
+}
+
+OSErr moveAside(int folder, const std::string &name)
+{
+    for (int number = 1;; ++number)
+    {
+        const std::string aside = orphanName(name, number);
+        const int failure = linux_calls::renameWithoutReplacing(folder, sidecarNameOf(name).c_str(), folder, aside.c_str());
+        if (failure != -EEXIST)
+            return resultFromErrno(-failure);
+    }
+}
+
+OSErr copySidecar(const SidecarPlace &from, const SidecarPlace &to)
+{
+    TemporaryFile temporary;
+    const Descriptor source(linux_calls::openAt(from.folder, sidecarName(from).c_str(), O_RDONLY | O_NONBLOCK));
+    ObjectStatus status;
+    int failure = source.isOpen() ? linux_calls::statusOf(source.number(), status) : source.number();
+    if (failure == 0)
+        failure = temporary.make(to.folder, status.mode);
+    if (failure == 0)
+        failure = linux_calls::copyBytes(source.number(), 0, temporary.descriptor(), 0, status.size);
+    if (failure == 0 && linux_calls::effectiveUser() == 0)
+        linux_calls::setOwner(temporary.descriptor(), status.user, status.group);
+    if (failure == 0)
+        failure = temporary.appear(sidecarName(to).c_str());
+    return resultFromErrno(-failure);
+}
+
+}   // namespace
+
+std::uint64_t Sidecar::forkLength() const
+{
+    const SidecarEntry *fork = layout.find(kResourceForkEntry);
+    return !fork || isBlankFork(*this, *fork) ? 0 : fork->length;
+}
+
+bool Sidecar::read(std::uint32_t id, std::span<std::uint8_t> bytes) const
+{
+    const SidecarEntry *entry = layout.find(id);
+    if (!entry || entry->length < bytes.size())
+        return false;
+    if (entry->offset + bytes.size() <= head.size())
+    {
+        std::copy_n(head.begin() + static_cast<std::ptrdiff_t>(entry->offset), bytes.size(), bytes.begin());
+        return true;
+    }
+    return linux_calls::readAt(file.number(), bytes, entry->offset) == static_cast<ssize_t>(bytes.size());
+}
+
+SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &sidecar)
+{
+    if (!hasRoomForSidecar(place.name))
+        return SidecarState::absent;
+    const int opened = linux_calls::openAt(place.folder, sidecarName(place).c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
+    if (opened == -ENOENT)
+        return SidecarState::absent;
+    if (opened < 0)
+        return opened == -EACCES || opened == -EPERM || opened == -EROFS ? SidecarState::unreadable : SidecarState::bad;
+    sidecar.file = Descriptor(opened);
+    return readHead(sidecar);
+}
+
+bool hasSidecar(const SidecarPlace &place)
+{
+    ObjectStatus status;
+    return hasRoomForSidecar(place.name) && linux_calls::statusAt(place.folder, sidecarName(place).c_str(), status) == 0;
+}
+
+OSErr updateSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)
+{
+    Sidecar sidecar;
+    switch (openSidecar(place, true, sidecar))
+    {
+    case SidecarState::good: return updateOpen(place, sidecar, pieces);
+    case SidecarState::unreadable: return afpAccessDenied;
+    default: return noErr;
+    }
+}
+
+OSErr completeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)
+{
+    Sidecar sidecar;
+    switch (openSidecar(place, true, sidecar))
+    {
+    case SidecarState::absent: return makeSidecar(place, pieces);
+    case SidecarState::good: return holdsAll(sidecar, pieces) ? updateOpen(place, sidecar, pieces) : rebuild(place, sidecar, pieces);
+    case SidecarState::unreadable: return afpAccessDenied;
+    default: return ioErr;
+    }
+}
+
+OSErr ensureSidecar(const SidecarPlace &place, const FinderBytes &finderInfo)
+{
+    if (hasSidecar(place))
+        return noErr;
+    const SidecarPiece piece{kFinderInfoEntry, {finderInfo.begin(), finderInfo.end()}};
+    return makeSidecar(place, {&piece, 1});
+}
+
+OSErr clearTheWayFor(int folder, const std::string &name)
+{
+    ObjectStatus status;
+    const std::string sidecar = sidecarNameOf(name);
+    if (!hasRoomForSidecar(name) || linux_calls::statusAt(folder, sidecar.c_str(), status) < 0 || status.isFolder())
+        return noErr;
+    if (status.isRegular() && status.links > 1)
+        return resultFromErrno(-linux_calls::unlinkAt(folder, sidecar.c_str()));
+    return moveAside(folder, name);
+}
+
+OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carried)
+{
+    ObjectStatus status;
+    carried = false;
+    if (!hasRoomForSidecar(from.name) || linux_calls::statusAt(from.folder, sidecarName(from).c_str(), status) < 0 || !status.isRegular())
+        return noErr;
+    if (!hasRoomForSidecar(to.name))
+        return errFSNameTooLong;
+    const int failure = linux_calls::linkAt(from.folder, sidecarName(from).c_str(), to.folder, sidecarName(to).c_str());
+    const bool needsCopy = failure == -EPERM || failure == -EMLINK || failure == -EOPNOTSUPP || failure == -ENOSYS;
+    const OSErr result = needsCopy ? copySidecar(from, to) : resultFromErrno(-failure);
+    carried = result == noErr;
+    return result;
+}
+
+void removeSidecar(const SidecarPlace &place)
+{
+    Sidecar sidecar;
+    if (openSidecar(place, false, sidecar) == SidecarState::good)
+        linux_calls::unlinkAt(place.folder, sidecarName(place).c_str());
+}
+
+void dropSidecarName(const SidecarPlace &place)
+{
+    linux_calls::unlinkAt(place.folder, sidecarName(place).c_str());
+}
+
+}   // namespace standin

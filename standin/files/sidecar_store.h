@@ -1,0 +1,74 @@
+// Sidecars on disk: finding, reading, changing in place and writing anew. The bytes themselves are sidecar_format.h's business.
+//
+// Reading never writes, and what is no good sidecar is never touched. Every change is made with the parent folder's lock held.
+#pragma once
+
+#include "platform/platform.h"
+#include "standin/files/directories.h"
+#include "standin/files/sidecar_format.h"
+
+#include <string>
+
+namespace standin
+{
+
+// The file that a sidecar belongs to.
+struct SidecarPlace
+{
+    int folder;
+    const std::string &name;
+    const ObjectStatus &status;   // a new sidecar gets the file's owner and, as far as that makes sense, its mode
+};
+
+struct Sidecar
+{
+    Descriptor file;   // open while somebody reads or changes it
+    ObjectStatus status;
+    SidecarLayout layout;
+    std::vector<std::uint8_t> head;   // the first bytes of the file: at least the table
+
+    std::uint64_t forkLength() const;   // 0 if there is none, or one that was left blank on purpose
+
+    // The first `bytes.size()` bytes of an entry. False if it is missing or shorter.
+    bool read(std::uint32_t id, std::span<std::uint8_t> bytes) const;
+};
+
+enum class SidecarState
+{
+    absent,
+    good,
+    bad,          // something has the name, but it is no sidecar that makes sense
+    unreadable,   // not permitted
+};
+
+// Opens and reads the sidecar of a file. `sidecar` is good only if the result is.
+SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &sidecar);
+
+// Whether anything has the sidecar's name. One call.
+bool hasSidecar(const SidecarPlace &place);
+
+// Writes entries as far as a good sidecar has room for them where they stand; those that it lacks are left out. A sidecar that others hold by a
+// hard link is copied first. Result: noErr or the disk's code.
+OSErr updateSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces);
+
+// The same, but entries that it lacks are added, and a sidecar that is absent is made. With only entry 9 a new one has the form that every other
+// system opens. Result: noErr; errFSNameTooLong if the file's name leaves no room for `._`; ioErr if what has the name is no good sidecar; the disk's code.
+OSErr completeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces);
+
+// Makes an empty one of 82 bytes unless something has the name already. Results as above.
+OSErr ensureSidecar(const SidecarPlace &place, const FinderBytes &finderInfo);
+
+// A file gets a name: a leftover sidecar of that name is removed, an orphan is moved aside to a free visible name.
+OSErr clearTheWayFor(int folder, const std::string &name);
+
+// The sidecar is given the file's new name, beside its old one: by a link, or where that cannot be by a copy.
+// `carried` says whether there was one. The old name goes only when the file has its new one.
+OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carried);
+
+// Removes the sidecar of a file that is gone or has gone. What is no sidecar stays.
+void removeSidecar(const SidecarPlace &place);
+
+// Removes the sidecar as a name only, because its other link is the one that counts.
+void dropSidecarName(const SidecarPlace &place);
+
+}   // namespace standin

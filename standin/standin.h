@@ -1,0 +1,63 @@
+// What a host may ask of the stand-in itself, beyond the platform's own calls.
+//
+// Everything here is optional: a host that never calls it works on the startup volume `/`, or on what the environment names
+// (ZERB_STARTUP_VOLUME, ZERB_VOLUMES).
+#pragma once
+
+#include "platform/platform.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#pragma GCC visibility push(default)
+
+namespace standin
+{
+
+// How a directory behaves as a volume.
+struct VolumeOptions
+{
+    bool locked = false;             // software lock: every change is refused with vLckdErr
+    bool copyFileOffered = true;     // the volume's parameters report bHasCopyFile
+    bool moveRenameOffered = true;   // … bHasMoveRename
+    bool exchangeOffered = true;     // … bSupportsFSExchangeObjects
+};
+
+// Makes `directory` the startup volume: absolute paths then resolve beneath it and cannot leave it.
+// Its name is the directory's own. References and volume numbers handed out earlier stop being valid.
+// Result: noErr; dirNFErr if it cannot be opened; errFSNotAFolder if it is no directory.
+OSErr useStartupVolume(const std::string &directory, const VolumeOptions &options = {});
+
+// Makes `directory` one more volume, reached in a host's own disk at `/Volumes/NAME`.
+// `volume` may be null. Result: noErr; dupFNErr if the name is taken; bdNamErr if it is no volume name; dirNFErr, errFSNotAFolder as above.
+OSErr addDirectoryVolume(const std::string &name, const std::string &directory, const VolumeOptions &options, FSVolumeRefNum *volume);
+
+// Takes a directory volume away; its references then give nsvErr. Result: noErr; nsvErr; fBsyErr while a fork on it is open.
+OSErr removeDirectoryVolume(FSVolumeRefNum volume);
+
+// Sets or clears the software lock of a directory volume. Result: noErr; nsvErr; paramErr if it is no directory volume.
+OSErr setVolumeLock(FSVolumeRefNum volume, bool locked);
+
+// What is wrong with ZERB_STARTUP_VOLUME or ZERB_VOLUMES, in one sentence without a full stop, or null. With a bad startup volume every call gives nsvErr.
+const char *environmentProblem();
+
+// Gets every notification that FNNotify sends in this process, on the caller's thread, before FNNotify returns.
+using NotificationObserver = std::function<void(const FSRef &object, UInt32 message, OptionBits options)>;
+
+// Registers an observer; the result is its number, for removeNotificationObserver.
+int addNotificationObserver(NotificationObserver observer);
+void removeNotificationObserver(int number);
+
+// How many system calls the file manager has made in this process so far.
+std::uint64_t systemCallCount();
+
+// The name of a result code, such as "fnfErr", or null for a code that has none here.
+const char *resultCodeName(OSStatus code);
+
+// What a result code means, in one plain sentence without a full stop, or null.
+const char *resultCodeMeaning(OSStatus code);
+
+}   // namespace standin
+
+#pragma GCC visibility pop
