@@ -1,0 +1,33 @@
+#include "host/commands.h"
+
+#include <algorithm>
+
+namespace host
+{
+
+namespace
+{
+
+// In the order of the list that `zerb --help` shows.
+const Command *const commandOrder[] = {
+    &infoCommand,
+    &setCommand,
+    &touchCommand,
+    &attrsCommand,
+};
+
+}   // namespace
+
+std::span<const Command *const> allCommands()
+{
+    return commandOrder;
+}
+
+const Command *findCommand(std::string_view name)
+{
+    auto row =
+        std::find_if(std::begin(commandOrder), std::end(commandOrder), [&](const Command *command) { return command->name == name; });
+    return row != std::end(commandOrder) ? *row : nullptr;
+}
+
+}   // namespace host

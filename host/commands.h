@@ -1,0 +1,14 @@
+// The commands, for their table.
+#pragma once
+
+#include "host/command.h"
+
+namespace host
+{
+
+extern const Command attrsCommand;
+extern const Command infoCommand;
+extern const Command setCommand;
+extern const Command touchCommand;
+
+}   // namespace host

@@ -1,0 +1,88 @@
+// zerb info: shows everything that is known about objects.
+#include "host/commands.h"
+
+#include "host/dates.h"
+#include "host/object_info.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace host
+{
+
+namespace
+{
+
+struct Options
+{
+    std::vector<std::string> paths;
+    Links links = Links::follow;
+    bool json = false;
+};
+
+OSStatus gatherAt(Session &session, const std::string &path, Links links, ObjectInfo &info)
+{
+    FSRef ref;
+    OSStatus result = findObject(path, links, ref);
+    if (result == noErr)
+        result = gatherInfo(session.plugin, ref, info);
+    if (result != noErr)
+        session.report.failure(path, result);
+    return result;
+}
+
+Json errorJson(const std::string &path, OSStatus result)
+{
+    return {{"path", path}, {"error", resultJson(result)}};
+}
+
+void showJson(Session &session, const Options &options)
+{
+    Json list = Json::array();
+    for (const std::string &path : options.paths)
+    {
+        ObjectInfo info;
+        OSStatus result = gatherAt(session, path, options.links, info);
+        list.push_back(result == noErr ? infoJson(info) : errorJson(path, result));
+    }
+    std::fputs(jsonText(list).c_str(), stdout);
+}
+
+void showText(Session &session, const Options &options)
+{
+    Style style = Style::forStandardOutput();
+    const char *separator = "";
+    for (const std::string &path : options.paths)
+    {
+        ObjectInfo info;
+        if (gatherAt(session, path, options.links, info) != noErr)
+            continue;
+        std::printf("%s%s", separator, infoText(info, style).c_str());
+        separator = "\n";
+    }
+}
+
+Action declareInfo(CLI::App &arguments)
+{
+    auto options = std::make_shared<Options>();
+    addPaths(arguments, "PATH", options->paths, "files, folders or links");
+    addLinksOption(arguments, options->links);
+    arguments.add_flag("--json", options->json, "one array with one object per path; \"error\" in it tells of a failure");
+    return [options](Session &session) { options->json ? showJson(session, *options) : showText(session, *options); };
+}
+
+}   // namespace
+
+const Command infoCommand = {
+    "info",
+    "Show everything that is known about files and folders",
+    "Dates are shown in local time; --json has them in UTC.\n"
+    "Sizes are in bytes. \"may change\" is the verdict on the object's own lock and on its volume's locks;\n"
+    "access rights are another matter.\n",
+    "  zerb info Letter.txt\n"
+    "  zerb info --no-follow link\n"
+    "  zerb info --json *.txt | jq '.[].finder.type'\n",
+    declareInfo,
+};
+
+}   // namespace host

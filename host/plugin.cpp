@@ -1,0 +1,87 @@
+#include "host/plugin.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace host
+{
+
+namespace
+{
+
+std::vector<std::string> placesToTry()
+{
+    const char *named = std::getenv("ZERB_PLUGIN");
+    if (named != nullptr && *named != '\0')
+        return {named};
+    std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    return {folder / "zerb.so", (folder / "../lib/zerb/zerb.so").lexically_normal()};
+}
+
+// All symbols at once: a plug-in that misses something of the platform is refused here, not in the middle of a change.
+void *openPlugin(const std::string &place)
+{
+    // Without a '/' the loader would search the system's library folders instead of the current one.
+    std::string file = place.find('/') == std::string::npos ? "./" + place : place;
+    return dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+// What the loader said, which as a rule begins with the file's name.
+std::string reasonOf(const std::string &place)
+{
+    const char *message = dlerror();
+    std::string reason = message != nullptr ? message : "unknown reason";
+    return reason.starts_with(place) ? reason : place + ": " + reason;
+}
+
+template <typename Function>
+void take(void *library, const char *name, Function *&function)
+{
+    void *symbol = dlsym(library, name);
+    if (symbol == nullptr)
+        throw PluginError("the plug-in does not have the function " + std::string(name) + "; is it of another version than this program?");
+    function = reinterpret_cast<Function *>(symbol);
+}
+
+Plugin takeFunctions(void *library)
+{
+    Plugin plugin;
+    take(library, "FSGetParentRef", plugin.FSGetParentRef);
+    take(library, "FSGetNodeID", plugin.FSGetNodeID);
+    take(library, "FSCheckLock", plugin.FSCheckLock);
+    take(library, "FSBumpDate", plugin.FSBumpDate);
+    take(library, "FSGetFinderInfo", plugin.FSGetFinderInfo);
+    take(library, "FSSetFinderInfo", plugin.FSSetFinderInfo);
+    take(library, "FSChangeCreatorType", plugin.FSChangeCreatorType);
+    take(library, "FSChangeFinderFlags", plugin.FSChangeFinderFlags);
+    take(library, "FSSetInvisible", plugin.FSSetInvisible);
+    take(library, "FSClearInvisible", plugin.FSClearInvisible);
+    take(library, "FSSetNameLocked", plugin.FSSetNameLocked);
+    take(library, "FSClearNameLocked", plugin.FSClearNameLocked);
+    take(library, "FSSetIsStationery", plugin.FSSetIsStationery);
+    take(library, "FSClearIsStationery", plugin.FSClearIsStationery);
+    take(library, "FSSetHasCustomIcon", plugin.FSSetHasCustomIcon);
+    take(library, "FSClearHasCustomIcon", plugin.FSClearHasCustomIcon);
+    take(library, "FSClearHasBeenInited", plugin.FSClearHasBeenInited);
+    take(library, "FSCopyFileMgrAttributes", plugin.FSCopyFileMgrAttributes);
+    return plugin;
+}
+
+}   // namespace
+
+Plugin loadPlugin()
+{
+    std::string tried;
+    for (const std::string &place : placesToTry())
+    {
+        if (void *library = openPlugin(place))
+            return takeFunctions(library);
+        tried += "\n  " + reasonOf(place);
+    }
+    throw PluginError("the plug-in cannot be loaded; tried:" + tried + "\nThe environment variable ZERB_PLUGIN can name the file zerb.so.");
+}
+
+}   // namespace host

@@ -1,0 +1,45 @@
+// The plug-in zerb.so and those of its exports that this host calls.
+//
+// The declarations come from the plug-in's public headers; the functions themselves are taken from the loaded plug-in by name.
+#pragma once
+
+#include "files/fstoolkit.h"
+
+#include <stdexcept>
+
+namespace host
+{
+
+struct Plugin
+{
+    decltype(&::FSGetParentRef) FSGetParentRef;
+    decltype(&::FSGetNodeID) FSGetNodeID;
+    decltype(&::FSCheckLock) FSCheckLock;
+    decltype(&::FSBumpDate) FSBumpDate;
+    decltype(&::FSGetFinderInfo) FSGetFinderInfo;
+    decltype(&::FSSetFinderInfo) FSSetFinderInfo;
+    decltype(&::FSChangeCreatorType) FSChangeCreatorType;
+    decltype(&::FSChangeFinderFlags) FSChangeFinderFlags;
+    decltype(&::FSSetInvisible) FSSetInvisible;
+    decltype(&::FSClearInvisible) FSClearInvisible;
+    decltype(&::FSSetNameLocked) FSSetNameLocked;
+    decltype(&::FSClearNameLocked) FSClearNameLocked;
+    decltype(&::FSSetIsStationery) FSSetIsStationery;
+    decltype(&::FSClearIsStationery) FSClearIsStationery;
+    decltype(&::FSSetHasCustomIcon) FSSetHasCustomIcon;
+    decltype(&::FSClearHasCustomIcon) FSClearHasCustomIcon;
+    decltype(&::FSClearHasBeenInited) FSClearHasBeenInited;
+    decltype(&::FSCopyFileMgrAttributes) FSCopyFileMgrAttributes;
+};
+
+struct PluginError : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+// Loads the plug-in: the file that ZERB_PLUGIN names if that is set and not empty, else `zerb.so` beside this program, else
+// `../lib/zerb/zerb.so` from there. It stays loaded until the process ends.
+// Throws PluginError, which names every place that was tried and why it would not do, or the function that is missing.
+Plugin loadPlugin();
+
+}   // namespace host
