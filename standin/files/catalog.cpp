@@ -162,7 +162,7 @@ OSErr checkLock(const Object &object, FSCatalogInfoBitmap which, const FSCatalog
     const bool onlyNodeFlags = (which & ~static_cast<FSCatalogInfoBitmap>(kFSCatInfoNodeFlags)) == 0;
     if (onlyNodeFlags || wantsUnlocking(which, info))
         return noErr;
-    return isLocked(object) ? fLckdErr : noErr;
+    return checkNotLocked(object);
 }
 
 OSErr setOwner(const Object &object, int descriptor, const FSPermissionInfo &wanted)

@@ -1,6 +1,7 @@
 #include "standin/files/changes.h"
 
 #include "standin/files/catalog.h"
+#include "standin/files/errors.h"
 #include "standin/files/metadata.h"
 #include "standin/files/names.h"
 
@@ -60,7 +61,7 @@ OSErr checkMayLeave(const Object &object)
         return fBsyErr;
     if (OSErr result = object.volume->checkChangeable())
         return result;
-    return isLocked(object) ? fLckdErr : noErr;
+    return checkNotLocked(object);
 }
 
 OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const std::string *self)
@@ -71,8 +72,13 @@ OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const
     for (const std::string &candidate : candidates)
     {
         ObjectStatus status;
-        if (!(self && candidate == *self) && linux_calls::statusAt(folder, candidate.c_str(), status) == 0)
+        if (self && candidate == *self)
+            continue;
+        const int failure = linux_calls::statusAt(folder, candidate.c_str(), status);
+        if (failure == 0)
             return dupFNErr;
+        if (!linux_calls::saysAbsent(failure))
+            return resultFromErrno(-failure);
     }
     return noErr;
 }

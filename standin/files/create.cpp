@@ -32,12 +32,13 @@ int makeOnDisk(int folder, const std::string &name, bool isFolder)
     return made.isOpen() ? 0 : made.number();
 }
 
-void removeAgain(const Object &object)
+// What was made but could not be finished goes again, with the sidecar that it may have got by then.
+void removeAgain(int folder, const std::string &name, bool isFolder)
 {
-    if (object.isFolder())
-        linux_calls::removeFolderAt(object.folder->number(), object.name.c_str());
-    else
-        linux_calls::unlinkAt(object.folder->number(), object.name.c_str());
+    const ObjectStatus unknown;
+    const int failure = isFolder ? linux_calls::removeFolderAt(folder, name.c_str()) : linux_calls::unlinkAt(folder, name.c_str());
+    if (failure == 0)
+        removeSidecar({folder, name, unknown});
 }
 
 OSErr make(const Request &request, Object &object)
@@ -58,11 +59,11 @@ OSErr make(const Request &request, Object &object)
         return result;
     if (const int failure = makeOnDisk(folder->number(), name, request.isFolder))
         return resultFromErrno(-failure);
-    if (OSErr result = findNamed(parent.volume, parent.nodeID(), name, object))
-        return result;
-    const OSErr result = request.which ? applyCatalogInfo(object, request.which, *request.info) : static_cast<OSErr>(noErr);
+    OSErr result = findNamed(parent.volume, parent.nodeID(), name, object);
+    if (result == noErr && request.which)
+        result = applyCatalogInfo(object, request.which, *request.info);
     if (result != noErr)
-        removeAgain(object);
+        removeAgain(folder->number(), name, request.isFolder);
     return result;
 }
 

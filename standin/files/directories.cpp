@@ -76,7 +76,8 @@ FolderHandle keep(const Volume &volume, UInt32 id, Descriptor descriptor)
 bool isFolderOf(const Volume &volume, int descriptor, const Identity &identity)
 {
     ObjectStatus status;
-    return linux_calls::statusOf(descriptor, status) == 0 && sameObject(identityOf(volume, status), identity);
+    return linux_calls::statusOf(descriptor, status) == 0 && status.mount == volume.rootStatus.mount &&
+           sameObject(identityOf(volume, status), identity);
 }
 
 // One level down, for kernels that cannot go down a whole path at once, and for looking at each level.

@@ -19,20 +19,10 @@ constexpr char16_t resourceForkName[] = u"RESOURCE_FORK";
 constexpr std::size_t resourceForkNameLength = std::size(resourceForkName) - 1;
 constexpr SInt16 firstReferenceNumber = 2, lastReferenceNumber = 0x7FFF;
 
-struct OpenFork
-{
-    FSRef object;
-    FSVolumeRefNum volume;
-    Identity identity;
-    bool isResourceFork;
-    bool mayWrite;
-    Descriptor file;   // of the data fork; a resource fork's sidecar is opened when it is read or written
-};
-
 struct ForkTable
 {
     std::mutex mutex;
-    std::map<SInt16, OpenFork> forks;   // by reference number
+    std::map<SInt16, std::shared_ptr<OpenFork>> forks;   // by reference number
 };
 
 ForkTable &table()
@@ -78,7 +68,7 @@ OSErr checkMayWrite(const Object &object)
 {
     if (OSErr result = object.volume->checkChangeable())
         return result;
-    return isLocked(object) ? fLckdErr : noErr;
+    return checkNotLocked(object);
 }
 
 // Decides about writing: asked for, forbidden, or (for "as is allowed") whatever can be had.
@@ -101,7 +91,7 @@ OSErr openAsAllowed(const Object &object, SInt8 permissions, OpenFork &fork)
 OSErr shareFork(const ForkTable &forks, SInt8 permissions, OpenFork &fork)
 {
     const bool isTaken = std::any_of(forks.forks.begin(), forks.forks.end(), [&](const auto &entry) {
-        return entry.second.mayWrite && isFork(entry.second, fork.identity, fork.isResourceFork);
+        return entry.second->mayWrite && isFork(*entry.second, fork.identity, fork.isResourceFork);
     });
     if (!isTaken || !fork.mayWrite)
         return noErr;
@@ -111,16 +101,16 @@ OSErr shareFork(const ForkTable &forks, SInt8 permissions, OpenFork &fork)
     return noErr;
 }
 
-OSErr addFork(OpenFork fork, SInt8 permissions, SInt16 &number)
+OSErr addFork(const std::shared_ptr<OpenFork> &fork, SInt8 permissions, SInt16 &number)
 {
     ForkTable &all = table();
     const std::lock_guard lock(all.mutex);
-    if (OSErr result = shareFork(all, permissions, fork))
+    if (OSErr result = shareFork(all, permissions, *fork))
         return result;
     for (SInt16 candidate = firstReferenceNumber; candidate < lastReferenceNumber; ++candidate)
         if (!all.forks.contains(candidate))
         {
-            all.forks.emplace(candidate, std::move(fork));
+            all.forks.emplace(candidate, fork);
             number = candidate;
             return noErr;
         }
@@ -130,7 +120,7 @@ OSErr addFork(OpenFork fork, SInt8 permissions, SInt16 &number)
 OSErr forkAtIndex(const ForkTable &all, FSVolumeRefNum volume, SInt16 index, SInt16 &number)
 {
     for (const auto &[candidate, fork] : all.forks)
-        if ((volume == kFSInvalidVolumeRefNum || fork.volume == volume) && --index == 0)
+        if ((volume == kFSInvalidVolumeRefNum || fork->volume == volume) && --index == 0)
         {
             number = candidate;
             return noErr;
@@ -143,21 +133,28 @@ OSErr forkAtIndex(const ForkTable &all, FSVolumeRefNum volume, SInt16 index, SIn
 namespace standin
 {
 
+std::shared_ptr<OpenFork> findFork(SInt16 number)
+{
+    const std::lock_guard lock(table().mutex);
+    const auto found = table().forks.find(number);
+    return found == table().forks.end() ? nullptr : found->second;
+}
+
 UInt16 openForkFlags(const Object &object)
 {
     const Identity identity = object.identity();
     const std::lock_guard lock(table().mutex);
     UInt16 flags = 0;
     for (const auto &[number, fork] : table().forks)
-        if (sameObject(fork.identity, identity))
-            flags |= static_cast<UInt16>((fork.isResourceFork ? kFSNodeResOpenMask : kFSNodeDataOpenMask) | kFSNodeForkOpenMask);
+        if (sameObject(fork->identity, identity))
+            flags |= static_cast<UInt16>((fork->isResourceFork ? kFSNodeResOpenMask : kFSNodeDataOpenMask) | kFSNodeForkOpenMask);
     return flags;
 }
 
 bool hasOpenForksOn(FSVolumeRefNum volume)
 {
     const std::lock_guard lock(table().mutex);
-    return std::any_of(table().forks.begin(), table().forks.end(), [&](const auto &entry) { return entry.second.volume == volume; });
+    return std::any_of(table().forks.begin(), table().forks.end(), [&](const auto &entry) { return entry.second->volume == volume; });
 }
 
 }   // namespace standin
@@ -181,21 +178,22 @@ OSErr FSGetResourceForkName(HFSUniStr255 *name)
 OSErr FSOpenFork(const FSRef *ref, UniCharCount nameLength, const UniChar *name, SInt8 permissions, SInt16 *number)
 {
     Object object;
-    OpenFork fork{};
+    const auto fork = std::make_shared<OpenFork>();
     if (!number || permissions < fsCurPerm || permissions > fsRdWrPerm)
         return paramErr;
-    if (OSErr result = forkFromName(nameLength, name, fork.isResourceFork))
+    if (OSErr result = forkFromName(nameLength, name, fork->isResourceFork))
         return result;
     if (OSErr result = findObject(ref, object))
         return result;
     if (!object.status.isRegular())
         return notAFileErr;
-    if (OSErr result = openAsAllowed(object, permissions, fork))
+    if (OSErr result = openAsAllowed(object, permissions, *fork))
         return result;
-    fork.object = *ref;
-    fork.volume = object.volume->number;
-    fork.identity = object.identity();
-    return addFork(std::move(fork), permissions, *number);
+    fork->object = *ref;
+    fork->volume = object.volume->number;
+    fork->identity = object.identity();
+    fork->mayRead = permissions != fsWrPerm;
+    return addFork(fork, permissions, *number);
 }
 
 OSErr FSCloseFork(SInt16 number)
@@ -223,8 +221,8 @@ OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SI
     if (actual)
         *actual = number;
     if (ref)
-        *ref = found->second.object;
+        *ref = found->second->object;
     if (name)
-        fillName(*name, found->second.isResourceFork);
+        fillName(*name, found->second->isResourceFork);
     return noErr;
 }

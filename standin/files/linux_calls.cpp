@@ -36,14 +36,18 @@ struct AttributeArguments   // the kernel's struct xattr_args
 };
 
 std::atomic<std::uint64_t> callCount{0};
+std::atomic<linux_calls::CallFilter> callFilter{nullptr};
 
 // Makes one system call, again if a signal interrupted it.
 template <typename Call>
-auto repeated(Call call) -> decltype(call())
+auto repeated(Call call, const char *name = __builtin_FUNCTION()) -> decltype(call())
 {
     for (;;)
     {
         callCount.fetch_add(1, std::memory_order_relaxed);
+        const auto filter = callFilter.load(std::memory_order_relaxed);
+        if (const int wanted = filter ? filter(name) : 0)
+            return static_cast<decltype(call())>(-wanted);
         const auto result = call();
         if (result >= 0)
             return result;
@@ -140,6 +144,11 @@ std::uint64_t count()
     return callCount.load(std::memory_order_relaxed);
 }
 
+void setCallFilter(CallFilter filter)
+{
+    callFilter = filter;
+}
+
 std::timespec now()
 {
     std::timespec time;
@@ -158,6 +167,11 @@ void sleepMilliseconds(int milliseconds)
 {
     const std::timespec time{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
     ::nanosleep(&time, nullptr);
+}
+
+bool saysAbsent(int failure)
+{
+    return failure == -ENOENT || failure == -ENAMETOOLONG || failure == -EILSEQ || failure == -EINVAL;
 }
 
 int statusAt(int folder, const char *name, ObjectStatus &result)
@@ -370,6 +384,11 @@ int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t o
         done += static_cast<std::size_t>(written);
     }
     return 0;
+}
+
+int setSize(int descriptor, std::uint64_t size)
+{
+    return repeated([&] { return ::ftruncate(descriptor, static_cast<off_t>(size)); });
 }
 
 int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)

@@ -53,9 +53,18 @@ namespace linux_calls
 {
 
 std::uint64_t count();
+
+// Lets a test have calls fail: asked before each call, the filter gives 0 or the errno to fail with instead. Closing always closes. Null ends it.
+// It is told the name of the function here that is about to make the call.
+using CallFilter = int (*)(const char *call);
+void setCallFilter(CallFilter filter);
+
 std::timespec now();           // the exact clock, never the coarse one
 std::int64_t milliseconds();   // a clock that only goes forward
 void sleepMilliseconds(int milliseconds);
+
+// Whether a look that failed says that nothing has the name, which a disk may not even allow. After any other failure nobody knows.
+bool saysAbsent(int failure);
 
 int statusAt(int folder, const char *name, ObjectStatus &status);
 int statusOf(int descriptor, ObjectStatus &status);
@@ -90,6 +99,7 @@ int makeFolderAt(int folder, const char *name, mode_t mode);
 
 ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);          // until full or the end of the file
 int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t offset);       // all or a failure
+int setSize(int descriptor, std::uint64_t size);
 int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length);   // in the kernel where it can
 
 int tryLock(int descriptor);   // -EWOULDBLOCK while another description of the same object holds it

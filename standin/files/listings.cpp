@@ -2,6 +2,7 @@
 
 #include "standin/files/linux_calls.h"
 #include "standin/files/names.h"
+#include "standin/files/sidecar_store.h"
 
 #include <cstring>
 #include <dirent.h>
@@ -45,12 +46,6 @@ bool visitBuffer(std::span<const char> filled, const std::function<bool(const En
     return true;
 }
 
-bool isLeftover(int folder, const std::string &name)
-{
-    ObjectStatus status;
-    return linux_calls::statusAt(folder, name.c_str(), status) == 0 && status.isRegular() && status.links > 1;
-}
-
 }   // namespace
 
 int visitEntries(int folder, const std::function<bool(const Entry &)> &visit)
@@ -70,27 +65,60 @@ int visitEntries(int folder, const std::function<bool(const Entry &)> &visit)
     }
 }
 
-int countVisibleEntries(int folder, UInt32 &count)
+std::string_view Listing::nameOf(const Item &item) const
 {
-    std::unordered_set<std::string> files, sidecars;
+    return std::string_view(names_).substr(item.nameOffset, item.nameLength);
+}
+
+Entry Listing::entry(std::size_t index) const
+{
+    const Item &item = items_[index];
+    return {item.inode, item.type, nameOf(item)};
+}
+
+// An orphan may be somebody's only copy of a fork: it is shown as a file of its own.
+bool Listing::isHidden(int folder, const Item &item, const std::unordered_set<std::string_view> &names) const
+{
+    const std::string_view name = nameOf(item);
+    if (name.starts_with(temporaryPrefix))
+        return true;
+    if (!looksLikeSidecar(name) || item.type == DT_DIR)
+        return false;
+    const std::string_view owner = name.substr(2);
+    return owner == "." || names.contains(owner) || isLeftoverSidecar(folder, std::string(name));
+}
+
+int Listing::read(int folder)
+{
+    bool anySidecars = false;
     const int result = visitEntries(folder, [&](const Entry &entry) {
-        if (entry.name.starts_with(temporaryPrefix))
-            return true;
-        (looksLikeSidecar(entry.name) ? sidecars : files).emplace(entry.name);
+        anySidecars |= looksLikeSidecar(entry.name) || entry.name.starts_with(temporaryPrefix);
+        items_.push_back({entry.inode, static_cast<std::uint32_t>(names_.size()), static_cast<std::uint8_t>(entry.name.size()), entry.type, false});
+        names_ += entry.name;
         return true;
     });
-    if (result < 0)
-        return result;
-    std::size_t visible = files.size();
-    for (const std::string &sidecar : sidecars)
-    {
-        const std::string owner = sidecar.substr(2);
-        const bool belongs = owner == "." || files.contains(owner) || sidecars.contains(owner);
-        if (!belongs && !isLeftover(folder, sidecar))
-            ++visible;   // an orphan may be somebody's only copy of a fork: it is shown as a file of its own
-    }
-    count = static_cast<UInt32>(visible);
-    return 0;
+    if (result == 0 && anySidecars)
+        noteSidecars(folder);
+    return result;
+}
+
+// Who has a sidecar, and which entries are nothing but that.
+void Listing::noteSidecars(int folder)
+{
+    std::unordered_set<std::string_view> names;
+    for (const Item &item : items_)
+        names.insert(nameOf(item));
+    for (Item &item : items_)
+        item.hasSidecar = names.contains(sidecarNameOf(nameOf(item)));
+    std::erase_if(items_, [&](const Item &item) { return isHidden(folder, item, names); });
+}
+
+int countVisibleEntries(int folder, UInt32 &count)
+{
+    Listing listing;
+    const int result = listing.read(folder);
+    count = static_cast<UInt32>(listing.size());
+    return result;
 }
 
 std::string findByIdentity(const Volume &volume, int folder, const Identity &identity)

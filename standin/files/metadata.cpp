@@ -19,14 +19,14 @@ constexpr std::size_t attributeListSize = 4096;   // an object with more names t
 struct Attributes
 {
     bool possible = true;
-    bool hidden = false;   // there is one that may not be read: it must not be written over
+    int failure = 0;   // the errno of what could not be read: it must not be written over
     std::optional<SharedAttribute> shared;
     std::optional<OwnRecord> own;
 };
 
-bool mayHaveAttributes(const ObjectStatus &status)
+bool mayHaveAttributes(const Object &object)
 {
-    return status.isFolder() || status.isRegular();
+    return object.volume->hasAttributes && (object.status.isFolder() || object.status.isRegular());
 }
 
 const char *placeName(const Object &object)
@@ -45,6 +45,12 @@ bool listHolds(std::span<const char> list, const char *name)
     return std::search(list.begin(), list.end(), name, name + length) != list.end();
 }
 
+void noteFailure(ssize_t size, Attributes &attributes)
+{
+    if (size < 0 && size != -ENODATA && size != -EOPNOTSUPP && size != -ERANGE)
+        attributes.failure = static_cast<int>(-size);
+}
+
 void readShared(const Object &object, Attributes &attributes)
 {
     std::uint8_t bytes[sharedAttributeSize + 1];
@@ -52,7 +58,7 @@ void readShared(const Object &object, Attributes &attributes)
     const ssize_t size = linux_calls::getAttribute(object.folder->number(), placeName(object), sharedAttributeName, bytes);
     if (size > 0 && acceptSharedAttribute({bytes, static_cast<std::size_t>(size)}, shared))
         attributes.shared = shared;
-    attributes.hidden |= size == -EACCES;
+    noteFailure(size, attributes);
 }
 
 void readOwn(const Object &object, Attributes &attributes)
@@ -61,20 +67,20 @@ void readOwn(const Object &object, Attributes &attributes)
     const ssize_t size = linux_calls::getAttribute(object.folder->number(), placeName(object), ownAttributeName, bytes);
     if (size > 0)
         attributes.own = parseOwnRecord({bytes, static_cast<std::size_t>(size)});
-    attributes.hidden |= size == -EACCES;
+    noteFailure(size, attributes);
 }
 
 // One call tells which of the two there are. What may not be read counts as not there.
 Attributes readAttributes(const Object &object, unsigned parts)
 {
     Attributes attributes;
-    attributes.possible = mayHaveAttributes(object.status);
+    attributes.possible = mayHaveAttributes(object);
     if (!attributes.possible || parts == kForkPart)
         return attributes;   // of a fork no attribute says anything
     char list[attributeListSize];
     const ssize_t size = linux_calls::listAttributes(object.folder->number(), placeName(object), list);
-    attributes.possible = size != -EOPNOTSUPP;
     const bool tooMany = size == -ERANGE;
+    noteFailure(size, attributes);
     const std::span<const char> names(list, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
     if (tooMany || listHolds(names, sharedAttributeName))
         readShared(object, attributes);
@@ -142,10 +148,15 @@ bool needsSidecar(const Attributes &attributes, unsigned parts)
     return (parts & kFinderPart) && finderInfoIsInSidecar(attributes);
 }
 
-void takeSidecar(const Object &object, const Attributes &attributes, unsigned parts, Metadata &metadata)
+void takeSidecar(const Object &object, Attributes &attributes, unsigned parts, Metadata &metadata)
 {
     Sidecar sidecar;
-    if (openSidecar(sidecarPlace(object), false, sidecar) != SidecarState::good)
+    if (object.sidecarIsAbsent)
+        return;
+    const SidecarState state = openSidecar(sidecarPlace(object), false, sidecar);
+    if (state == SidecarState::failing)
+        attributes.failure = EIO;
+    if (state != SidecarState::good)
         return;   // a bad sidecar never makes the data unreadable
     if (!attributes.possible)
         takeEverything(sidecar, metadata);
@@ -165,7 +176,7 @@ OSErr withOwnersAccess(const Object &object, int descriptor, Step step)
 {
     const std::uint32_t user = linux_calls::effectiveUser();
     const bool mayAlready = user == 0 || user != object.status.user || (object.status.mode & 0600) == 0600;
-    if (mayAlready || !mayHaveAttributes(object.status))
+    if (mayAlready || !mayHaveAttributes(object))
         return step();
     if (const int failure = linux_calls::setMode(descriptor, object.status.mode | 0600))
         return resultFromErrno(-failure);
@@ -199,20 +210,39 @@ std::optional<SharedAttribute> sharedFrom(const Object &object, const Attributes
     return shared;
 }
 
+int writeOwn(int descriptor, const std::optional<OwnRecord> &present, const OwnRecord &wanted)
+{
+    const auto record = buildOwnRecord(wanted);
+    if (present && record == buildOwnRecord(*present))
+        return 0;
+    if (!wanted.isDefault())
+        return linux_calls::setAttribute(descriptor, ownAttributeName, record);
+    return present ? linux_calls::removeAttribute(descriptor, ownAttributeName) : 0;
+}
+
+bool getsNewDate(const OwnRecord &present, const OwnRecord &wanted)
+{
+    return (wanted.creationDate && !present.creationDate) || (wanted.backupDate && !present.backupDate);
+}
+
+// The shared attribute first, but a date that our own record did not have before: the shared one's copy of it, in whole seconds, must not be all there is
+// if we are stopped between the two.
 int writeAttributes(const Object &object, int descriptor, const Attributes &present, unsigned parts, const Metadata &wanted)
 {
-    if (present.hidden)
-        return -EACCES;
+    std::optional<OwnRecord> own = present.own;
+    const OwnRecord ownBefore = present.own.value_or(OwnRecord{});
+    if (getsNewDate(ownBefore, wanted.own))
+    {
+        own = wanted.own;
+        own->finderInfoWasShared = ownBefore.finderInfoWasShared;
+        if (const int failure = writeOwn(descriptor, present.own, *own))
+            return failure;
+    }
     const auto shared = sharedFrom(object, present, parts, wanted);
     if (shared && shared != present.shared)
         if (const int failure = linux_calls::setAttribute(descriptor, sharedAttributeName, *shared))
             return failure;
-    const auto record = buildOwnRecord(wanted.own);
-    if (present.own && record == buildOwnRecord(*present.own))
-        return 0;
-    if (!wanted.own.isDefault())
-        return linux_calls::setAttribute(descriptor, ownAttributeName, record);
-    return present.own ? linux_calls::removeAttribute(descriptor, ownAttributeName) : 0;
+    return writeOwn(descriptor, own, wanted.own);
 }
 
 template <std::size_t Size>
@@ -242,12 +272,14 @@ SidecarPiece datesPiece(const Object &object, const Sidecar *sidecar, const OwnR
 }
 
 // What a sidecar should say of the changed parts.
-std::vector<SidecarPiece> sidecarPieces(const Object &object, unsigned parts, const Metadata &wanted)
+OSErr sidecarPieces(const Object &object, unsigned parts, const Metadata &wanted, std::vector<SidecarPiece> &pieces)
 {
     Sidecar present;
-    const bool exists = openSidecar(sidecarPlace(object), false, present) == SidecarState::good;
+    const SidecarState state = openSidecar(sidecarPlace(object), false, present);
+    const bool exists = state == SidecarState::good;
     const Sidecar *sidecar = exists ? &present : nullptr;
-    std::vector<SidecarPiece> pieces;
+    if (state == SidecarState::failing)
+        return ioErr;
     if (parts & kFinderPart)
         pieces.push_back(pieceOf(kFinderInfoEntry, wanted.finderInfo));
     if (parts & kDatesPart)
@@ -256,7 +288,7 @@ std::vector<SidecarPiece> sidecarPieces(const Object &object, unsigned parts, co
         pieces.push_back(lockPiece(sidecar, kMacintoshFileInfoEntry, wanted.own.locked, writeMacintoshLock));
     if ((parts & kLockPart) && exists && present.layout.find(kAFPFileInfoEntry))
         pieces.push_back(lockPiece(sidecar, kAFPFileInfoEntry, wanted.own.locked, writeAFPLock));
-    return pieces;
+    return noErr;
 }
 
 // Where the sidecar is the only place. Entries come into being as they are needed: Finder information alone has the form that everybody opens.
@@ -266,7 +298,9 @@ OSErr writeToSidecarAlone(const Object &object, unsigned parts, const Metadata &
     const bool ownChanges = record != buildOwnRecord(present.own);
     if (!ownChanges && wanted.finderInfo == present.finderInfo)
         return noErr;
-    std::vector<SidecarPiece> pieces = sidecarPieces(object, kFinderPart | (ownChanges ? parts : 0), wanted);
+    std::vector<SidecarPiece> pieces;
+    if (OSErr result = sidecarPieces(object, kFinderPart | (ownChanges ? parts : 0), wanted, pieces))
+        return result;
     if (ownChanges)
         pieces.push_back(pieceOf(kOwnEntry, record));
     return completeSidecar(sidecarPlace(object), pieces);
@@ -278,8 +312,12 @@ OSErr bringSidecarInLine(const Object &object, unsigned parts, const Metadata &w
     if ((parts & kLockPart) && wanted.own.locked)
         if (OSErr result = ensureSidecar(sidecarPlace(object), wanted.finderInfo))
             return result;
-    isThere = hasSidecar(sidecarPlace(object));
-    return isThere ? updateSidecar(sidecarPlace(object), sidecarPieces(object, parts, wanted)) : static_cast<OSErr>(noErr);
+    if (OSErr result = findSidecar(sidecarPlace(object), isThere); result != noErr || !isThere)
+        return result;
+    std::vector<SidecarPiece> pieces;
+    if (OSErr result = sidecarPieces(object, parts, wanted, pieces))
+        return result;
+    return updateSidecar(sidecarPlace(object), pieces);
 }
 
 // The sidecar first: an object must not be locked without one.
@@ -315,7 +353,7 @@ Metadata withParts(const Metadata &present, const OwnRecord &ownBefore, unsigned
 Attributes readBoth(const Object &object, unsigned parts, Metadata &metadata)
 {
     metadata = {};
-    const Attributes attributes = readAttributes(object, parts);
+    Attributes attributes = readAttributes(object, parts);
     takeAttributes(attributes, metadata);
     if (needsSidecar(attributes, parts))
         takeSidecar(object, attributes, parts, metadata);
@@ -334,6 +372,8 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
     return withOwnersAccess(object, descriptor, [&]() -> OSErr {
         Metadata present;
         const Attributes attributes = readBoth(object, kEveryPart, present);
+        if (attributes.failure)
+            return resultFromErrno(attributes.failure);
         Metadata changed = present;
         change(changed);
         if (!attributes.possible)
@@ -354,11 +394,13 @@ UTCDateTime creationDateOf(const Object &object, const OwnRecord &own)
     return dateFromLinux(modifiedFirst ? status.modification : status.change);
 }
 
-bool isLocked(const Object &object)
+OSErr checkNotLocked(const Object &object)
 {
     Metadata metadata;
-    readMetadata(object, kLockPart, metadata);
-    return metadata.own.locked;
+    const int failure = readBoth(object, kLockPart, metadata).failure;
+    if (metadata.own.locked)
+        return fLckdErr;
+    return failure == EACCES || failure == EPERM ? static_cast<OSErr>(noErr) : resultFromErrno(failure);
 }
 
 }   // namespace standin

@@ -38,13 +38,15 @@ struct Metadata
 void readMetadata(const Object &object, unsigned parts, Metadata &metadata);
 
 // Changes the parts given, through a descriptor of the object itself (O_PATH is enough). Nothing is written for what is as it was, and nothing for defaults
-// that were never anything else. With the parent folder's lock held. Result: noErr or a code, and then the object is as it was but for copies.
+// that were never anything else. With the parent folder's lock held. Result: noErr or a code, and then each part is, but for copies, as it was or as
+// wanted. What cannot be read is not written over.
 // `change` is given what is there and turns it into what is wanted.
 OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const std::function<void(Metadata &)> &change);
 
 // When the object was made, as far as anybody knows: the date that was set, else its birth, else the earlier of its other dates.
 UTCDateTime creationDateOf(const Object &object, const OwnRecord &own);
 
-bool isLocked(const Object &object);
+// Result: noErr; fLckdErr if it is locked; the disk's code if that cannot be found out. A lock that may not be read is none.
+OSErr checkNotLocked(const Object &object);
 
 }   // namespace standin

@@ -43,10 +43,14 @@ OSErr place(const Object &object, const Target &target, FSRef *newRef)
     if (!isWhereItIs(object, target))
     {
         ObjectStatus taken;
-        if (linux_calls::statusAt(target.folder->number(), target.name.c_str(), taken) == 0)
+        const int found = linux_calls::statusAt(target.folder->number(), target.name.c_str(), taken);
+        if (found == 0)
             return dupFNErr;   // and its sidecar is its own: not to be cleared away
+        if (!linux_calls::saysAbsent(found))
+            return resultFromErrno(-found);
         if (OSErr result = clearTheWayFor(target.folder->number(), target.name))
             return result;
+        const PlaceChange change;
         if (OSErr result = renameWithSidecar(object, target))
             return result;
         noteMoved(object, target.folderID, target.name);

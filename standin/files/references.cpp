@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <list>
 #include <mutex>
+#include <shared_mutex>
 #include <unordered_map>
 
 namespace standin
@@ -33,6 +34,13 @@ struct MovedTable
     std::unordered_map<std::uint64_t, std::list<std::pair<std::uint64_t, Place>>::iterator> byObject;
     std::list<std::pair<std::uint64_t, Place>> places;   // the oldest first
 };
+
+// Look-ups away from an object's own name share it; a change of place has it alone.
+std::shared_mutex &placeMutex()
+{
+    static std::shared_mutex mutex;
+    return mutex;
+}
 
 MovedTable &moved()
 {
@@ -98,13 +106,26 @@ OSErr findPlaced(Object &object, const Place &place, Anchoring anchoring)
 
 // --- the steps of finding, one after another --------------------------------------------------------------------------------------------
 
+// A listing shows the folder under a mounted disk, the object's status the root of that disk. Both are the same folder of ours.
+bool isCoveredByMount(const ReferenceFields &fields, const Object &object)
+{
+    bool isListed = false;
+    if (!object.isMountPoint() || fields.device != object.volume->rootStatus.device)
+        return false;
+    visitEntries(object.folder->number(), [&](const Entry &entry) {
+        isListed = entry.inode == fields.inode && entry.name == object.name;
+        return !isListed;
+    });
+    return isListed;
+}
+
 // Under its own name. A name too long for the reference is first found in its folder.
 bool findUnderOwnName(const ReferenceFields &fields, Object &object)
 {
     if (!fields.nameIsHashed)
     {
         object.name = fields.name;
-        return statusNamed(object) == noErr && isMeant(fields, object.identity());
+        return statusNamed(object) == noErr && (isMeant(fields, object.identity()) || isCoveredByMount(fields, object));
     }
     const auto names = namesWhere(object.folder->number(),
                                   [&](std::string_view name) { return longNameHash(name) == fields.nameHash && isLongName(name); });
@@ -183,6 +204,7 @@ OSErr find(const FSRef *reference, Object &object, Anchoring anchoring)
     const OSErr opened = openFolder(*object.volume, fields.parentID, object.folder, anchoring);
     if (opened == noErr && findUnderOwnName(fields, object))
         return noErr;
+    const std::shared_lock noChange(placeMutex());
     if (findWhereMoved(fields, object, anchoring) || (opened == noErr && findInSameFolder(fields, object)) || findByInode(fields, object))
         return noErr;
     return opened == noErr ? static_cast<OSErr>(fnfErr) : opened;
@@ -237,6 +259,16 @@ bool isTakenByAnother(const Object &object, ConstStr255Param form, int digits)
 }
 
 }   // namespace
+
+PlaceChange::PlaceChange()
+{
+    placeMutex().lock();
+}
+
+PlaceChange::~PlaceChange()
+{
+    placeMutex().unlock();
+}
 
 UInt32 Object::nodeID() const
 {
@@ -297,8 +329,8 @@ OSErr findShortNamed(const VolumeHandle &volume, UInt32 parentID, ConstStr255Par
         if (statusNamed(object) != noErr)
             continue;
         makeShortName(object, form);
-        if (samePascalString(form, name))
-            return noErr;
+        if (samePascalString(form, name))   // two names made to agree in every digit: neither is guessed
+            return digits == mostHashDigits && isTakenByAnother(object, name, digits) ? bdNamErr : noErr;
     }
     return fnfErr;
 }
@@ -335,6 +367,17 @@ FSRef makeReference(const Object &object)
     fields.time = identity.birth;
     fields.timeIsBirth = identity.birth != 0;
     return writeReference(fields, object.name);
+}
+
+FSRef makeListedReference(const Object &folder, UInt32 folderID, const Entry &entry, const std::timespec &moment)
+{
+    ReferenceFields fields;
+    fields.volume = folder.volume->number;
+    fields.parentID = folderID;
+    fields.device = folder.status.device;
+    fields.inode = entry.inode;
+    fields.time = folder.volume->comparesBirths ? packBirth(moment) : 0;
+    return writeReference(fields, entry.name);
 }
 
 FSRef makeParentReference(const Object &object)

@@ -6,6 +6,7 @@
 
 #include "platform/platform.h"
 #include "standin/files/directories.h"
+#include "standin/files/listings.h"
 
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ struct Object
     FolderHandle folder;   // the parent; for a volume's root the root itself
     std::string name;      // on disk; "." for a root
     ObjectStatus status;
+    bool sidecarIsAbsent = false;   // a listing showed that it has none: nobody needs to look
 
     bool isRoot() const { return name == "."; }
     bool isFolder() const { return status.isFolder(); }
@@ -52,11 +54,24 @@ OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object);
 // The reference to an object whose status was asked for.
 FSRef makeReference(const Object &object);
 
+// The reference to an object that only a listing of its folder showed, at that moment.
+FSRef makeListedReference(const Object &folder, UInt32 folderID, const Entry &entry, const std::timespec &moment);
+
 // The reference to an object's parent folder; 80 zero bytes for a volume's root.
 FSRef makeParentReference(const Object &object);
 
 // The short name of an object for an FSSpec: plain where that leads back to it, else with a hash.
 void makeShortName(const Object &object, Str63 name);
+
+// Held while an object changes its place and that is noted, so that no look-up of this process falls between the two.
+class PlaceChange
+{
+public:
+    PlaceChange();
+    ~PlaceChange();
+    PlaceChange(const PlaceChange &) = delete;
+    PlaceChange &operator=(const PlaceChange &) = delete;
+};
 
 // Notes that this process gave an object another place, so that references made before find it.
 void noteMoved(const Object &object, UInt32 newParentID, std::string_view newName);

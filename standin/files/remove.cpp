@@ -14,18 +14,15 @@ using namespace standin;
 namespace
 {
 
-// What is left in a folder when a change was cut off: our temporaries, sidecars with another link that counts, and the folder's own sidecar at a root.
+// What is left in a folder when a change was cut off: our temporaries, and sidecars of no file.
 // False if anything else is there: then nothing is removed.
 bool onlyLeftoversRemain(int folder, std::vector<std::string> &leftovers)
 {
     bool onlyLeftovers = true;
     visitEntries(folder, [&](const Entry &entry) {
         const std::string name(entry.name);
-        ObjectStatus status;
         const bool isTemporary = entry.name.starts_with(temporaryPrefix);
-        const bool isLinked = looksLikeSidecar(entry.name) && linux_calls::statusAt(folder, name.c_str(), status) == 0 &&
-                              status.isRegular() && status.links > 1;
-        onlyLeftovers = isTemporary || isLinked;
+        onlyLeftovers = isTemporary || (looksLikeSidecar(entry.name) && isLeftoverSidecar(folder, name));
         if (onlyLeftovers)
             leftovers.push_back(name);
         return onlyLeftovers;

@@ -2,6 +2,7 @@
 
 #include "standin/files/attribute_block.h"
 #include "standin/files/errors.h"
+#include "standin/files/listings.h"
 #include "standin/files/names.h"
 #include "standin/files/temporary_files.h"
 
@@ -19,6 +20,10 @@ constexpr std::size_t headSize = 1024;                   // one read has the tab
 constexpr std::size_t blankForkSize = 286;
 constexpr std::uint64_t largestSmallEntry = 1 << 24;     // more than any writer's entry but the fork
 constexpr SidecarFiller ownFiller = {};
+constexpr std::size_t fillerOffset = 8;
+
+// Says that a file took its copy of this sidecar elsewhere: without a file of its own it is a leftover.
+constexpr SidecarFiller copiedFiller = {'z', 'e', 'r', 'b', ':', ' ', 'c', 'o', 'p', 'i', 'e', 'd', ' ', ' ', ' ', ' '};
 
 std::string sidecarName(const SidecarPlace &place)
 {
@@ -32,36 +37,84 @@ bool isBlankFork(const Sidecar &sidecar, const SidecarEntry &fork)
            isIntentionallyBlankFork(bytes);
 }
 
+// What a failure to open says.
+SidecarState stateAfter(int failure)
+{
+    if (linux_calls::saysAbsent(failure))
+        return SidecarState::absent;
+    if (failure == -EACCES || failure == -EPERM || failure == -EROFS)
+        return SidecarState::unreadable;
+    const bool isOfAnotherKind = failure == -ELOOP || failure == -EISDIR || failure == -ENXIO || failure == -ENODEV || failure == -ETXTBSY;
+    return isOfAnotherKind ? SidecarState::bad : SidecarState::failing;
+}
+
 SidecarState readHead(Sidecar &sidecar)
 {
-    if (linux_calls::statusOf(sidecar.file.number(), sidecar.status) < 0 || !sidecar.status.isRegular())
+    if (linux_calls::statusOf(sidecar.file.number(), sidecar.status) < 0)
+        return SidecarState::failing;
+    if (!sidecar.status.isRegular())
         return SidecarState::bad;
     sidecar.head.resize(std::min<std::uint64_t>(sidecar.status.size, headSize));
     const ssize_t got = linux_calls::readAt(sidecar.file.number(), sidecar.head, 0);
     if (got < 0)
-        return SidecarState::bad;
+        return SidecarState::failing;
     sidecar.head.resize(static_cast<std::size_t>(got));
     const SidecarProblem problem = parseSidecar(sidecar.head, sidecar.status.size, sidecar.layout);
     return problem == SidecarProblem::none ? SidecarState::good : SidecarState::bad;
 }
 
+// Before a sidecar that has other names gets a copy of its own under this one: a name that has no file is then known as left over from a move that was
+// cut off. What another system wrote is not marked.
+void markAsCopied(const Sidecar &sidecar)
+{
+    if (sidecar.status.links > 1 && sidecar.layout.filler == ownFiller)
+        linux_calls::writeAt(sidecar.file.number(), copiedFiller, fillerOffset);
+}
+
+// Who writes to a sidecar has it for himself again.
+int unmark(const Sidecar &sidecar)
+{
+    return sidecar.layout.filler == copiedFiller ? linux_calls::writeAt(sidecar.file.number(), ownFiller, fillerOffset) : 0;
+}
+
 // Writes a sidecar's head and, where there is an old one, its fork behind it. The temporary is then given the sidecar's name.
-OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, const Sidecar *old)
+OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, const Sidecar *old, std::uint64_t forkLength)
 {
     TemporaryFile temporary;
     const std::uint32_t mode = old ? old->status.mode : (place.status.mode & 0666) | 0600;
     int failure = temporary.make(place.folder, mode);
     if (failure == 0)
         failure = linux_calls::writeAt(temporary.descriptor(), head, 0);
-    const SidecarEntry *fork = old ? old->layout.find(kResourceForkEntry) : nullptr;
-    if (failure == 0 && fork)
-        failure = linux_calls::copyBytes(old->file.number(), fork->offset, temporary.descriptor(), head.size(), fork->length);
+    if (failure == 0 && forkLength > 0)
+        failure = linux_calls::copyBytes(old->file.number(), old->layout.find(kResourceForkEntry)->offset, temporary.descriptor(), head.size(), forkLength);
     if (failure < 0)
         return resultFromErrno(-failure);
     if (linux_calls::effectiveUser() == 0)
         linux_calls::setOwner(temporary.descriptor(), place.status.user, place.status.group);
+    if (old)
+        markAsCopied(*old);
     const std::string name = sidecarName(place);
     failure = old ? temporary.replace(name.c_str()) : temporary.appear(name.c_str());
+    return resultFromErrno(-failure);
+}
+
+// A change of name that was cut off leaves its sidecar with two names in one folder, one of them without a file. That one goes, and it must go before the
+// sidecar is written anew: with a single link it would come to light as an orphan.
+OSErr removeOtherLeftovers(const SidecarPlace &place, const Sidecar &sidecar)
+{
+    std::vector<std::string> leftovers;
+    int failure = visitEntries(place.folder, [&](const Entry &entry) {
+        if (entry.inode == sidecar.status.inode && looksLikeSidecar(entry.name) && entry.name != sidecarName(place))
+            leftovers.emplace_back(entry.name);
+        return true;
+    });
+    for (auto name = leftovers.begin(); failure == 0 && name != leftovers.end(); ++name)
+    {
+        ObjectStatus owner;
+        failure = linux_calls::statusAt(place.folder, name->c_str() + 2, owner);
+        if (failure == -ENOENT)
+            failure = linux_calls::unlinkAt(place.folder, name->c_str());
+    }
     return resultFromErrno(-failure);
 }
 
@@ -69,11 +122,18 @@ OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, c
 OSErr copyApart(const SidecarPlace &place, const Sidecar &sidecar)
 {
     TemporaryFile temporary;
+    ObjectStatus status;
+    if (OSErr result = removeOtherLeftovers(place, sidecar))
+        return result;
+    if (linux_calls::statusOf(sidecar.file.number(), status) == 0 && status.links == 1)
+        return noErr;
     int failure = temporary.make(place.folder, sidecar.status.mode);
     if (failure == 0)
         failure = linux_calls::copyBytes(sidecar.file.number(), 0, temporary.descriptor(), 0, sidecar.status.size);
     if (failure == 0 && linux_calls::effectiveUser() == 0)
         linux_calls::setOwner(temporary.descriptor(), sidecar.status.user, sidecar.status.group);
+    if (failure == 0)
+        markAsCopied(sidecar);
     if (failure == 0)
         failure = temporary.replace(sidecarName(place).c_str());
     return resultFromErrno(-failure);
@@ -103,7 +163,8 @@ OSErr updateOpen(const SidecarPlace &place, Sidecar &sidecar, std::span<const Si
         if (openSidecar(place, true, sidecar) != SidecarState::good)
             return fBsyErr;   // another program took its name meanwhile
     }
-    return resultFromErrno(-writeInPlace(sidecar, pieces));
+    const int failure = unmark(sidecar);
+    return resultFromErrno(-(failure ? failure : writeInPlace(sidecar, pieces)));
 }
 
 bool holdsAll(const Sidecar &sidecar, std::span<const SidecarPiece> pieces)
@@ -148,22 +209,37 @@ OSErr mergePieces(const Sidecar &sidecar, std::span<const SidecarPiece> changes,
 OSErr rebuild(const SidecarPlace &place, const Sidecar &sidecar, std::span<const SidecarPiece> changes)
 {
     std::vector<SidecarPiece> pieces;
+    if (sidecar.status.links > 1)
+        if (OSErr result = removeOtherLeftovers(place, sidecar))
+            return result;
     if (OSErr result = mergePieces(sidecar, changes, pieces))
         return result;
     const SidecarEntry *finderInfo = sidecar.layout.find(kFinderInfoEntry);
     const std::int64_t newOffset = static_cast<std::int64_t>(sidecarHeaderSize + sidecarDescriptorSize * (pieces.size() + 1));
     if (finderInfo)
         moveAttributeBlock(findPiece(pieces, kFinderInfoEntry)->bytes, newOffset - static_cast<std::int64_t>(finderInfo->offset));
+    const SidecarFiller &filler = sidecar.layout.filler == copiedFiller ? ownFiller : sidecar.layout.filler;
+    const std::uint64_t forkLength = sidecar.forkLength();
+    const auto head = buildSidecarHead(pieces, filler, static_cast<std::uint32_t>(forkLength));
+    return head.empty() ? static_cast<OSErr>(ioErr) : writeAnew(place, head, &sidecar, forkLength);
+}
+
+// The fork's bytes are the last ones of the file, so that more may follow them. One that was left blank on purpose is written over.
+bool forkCanGrow(const Sidecar &sidecar)
+{
     const SidecarEntry *fork = sidecar.layout.find(kResourceForkEntry);
-    const auto head = buildSidecarHead(pieces, sidecar.layout.filler, fork ? static_cast<std::uint32_t>(fork->length) : 0);
-    return head.empty() ? static_cast<OSErr>(ioErr) : writeAnew(place, head, &sidecar);
+    if (!fork || (fork->length > 0 && sidecar.forkLength() == 0))
+        return false;
+    return std::all_of(sidecar.layout.entries.begin(), sidecar.layout.entries.end(), [&](const SidecarEntry &entry) {
+        return &entry == fork || entry.length == 0 || entry.offset + entry.length <= fork->offset;
+    });
 }
 
 OSErr makeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)
 {
     if (!hasRoomForSidecar(place.name))
         return errFSNameTooLong;
-    return writeAnew(place, buildSidecarHead(pieces, ownFiller, 0), nullptr);
+    return writeAnew(place, buildSidecarHead(pieces, ownFiller, 0), nullptr, 0);
 }
 
 // `NAME.orphan.rsrc`, `NAME.orphan-2.rsrc` …, shortened between characters where that is too long.
@@ -230,18 +306,21 @@ SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &si
     if (!hasRoomForSidecar(place.name))
         return SidecarState::absent;
     const int opened = linux_calls::openAt(place.folder, sidecarName(place).c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
-    if (opened == -ENOENT)
-        return SidecarState::absent;
     if (opened < 0)
-        return opened == -EACCES || opened == -EPERM || opened == -EROFS ? SidecarState::unreadable : SidecarState::bad;
+        return stateAfter(opened);
     sidecar.file = Descriptor(opened);
     return readHead(sidecar);
 }
 
-bool hasSidecar(const SidecarPlace &place)
+OSErr findSidecar(const SidecarPlace &place, bool &isThere)
 {
     ObjectStatus status;
-    return hasRoomForSidecar(place.name) && linux_calls::statusAt(place.folder, sidecarName(place).c_str(), status) == 0;
+    isThere = false;
+    if (!hasRoomForSidecar(place.name))
+        return noErr;
+    const int failure = linux_calls::statusAt(place.folder, sidecarName(place).c_str(), status);
+    isThere = failure == 0;
+    return linux_calls::saysAbsent(failure) ? static_cast<OSErr>(noErr) : resultFromErrno(-failure);
 }
 
 OSErr updateSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)
@@ -251,6 +330,7 @@ OSErr updateSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pie
     {
     case SidecarState::good: return updateOpen(place, sidecar, pieces);
     case SidecarState::unreadable: return afpAccessDenied;
+    case SidecarState::failing: return ioErr;
     default: return noErr;
     }
 }
@@ -269,19 +349,63 @@ OSErr completeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> p
 
 OSErr ensureSidecar(const SidecarPlace &place, const FinderBytes &finderInfo)
 {
-    if (hasSidecar(place))
-        return noErr;
+    bool isThere = false;
+    if (OSErr result = findSidecar(place, isThere); result != noErr || isThere)
+        return result;
     const SidecarPiece piece{kFinderInfoEntry, {finderInfo.begin(), finderInfo.end()}};
     return makeSidecar(place, {&piece, 1});
+}
+
+OSErr openGrowingFork(const SidecarPlace &place, const FinderBytes &finderInfo, Sidecar &sidecar)
+{
+    SidecarState state = openSidecar(place, true, sidecar);
+    if (state == SidecarState::absent)
+    {
+        if (OSErr result = ensureSidecar(place, finderInfo))
+            return result;
+        state = openSidecar(place, true, sidecar);
+    }
+    if (state != SidecarState::good)
+        return state == SidecarState::unreadable ? afpAccessDenied : ioErr;
+    if (forkCanGrow(sidecar) && sidecar.status.links == 1)
+        return resultFromErrno(-unmark(sidecar));
+    if (OSErr result = forkCanGrow(sidecar) ? copyApart(place, sidecar) : rebuild(place, sidecar, {}))   // a new file, with the fork at its end
+        return result;
+    return openSidecar(place, true, sidecar) == SidecarState::good ? noErr : fBsyErr;
+}
+
+int writeForkLength(const Sidecar &sidecar, std::uint64_t length)
+{
+    const auto index = static_cast<std::size_t>(sidecar.layout.find(kResourceForkEntry) - sidecar.layout.entries.data());
+    std::uint8_t bytes[4];
+    writeBig32(bytes, static_cast<std::uint32_t>(length));
+    return linux_calls::writeAt(sidecar.file.number(), bytes, sidecarHeaderSize + sidecarDescriptorSize * index + 8);
+}
+
+bool isLeftoverSidecar(int folder, const std::string &sidecarName)
+{
+    Sidecar sidecar;
+    ObjectStatus status;
+    if (linux_calls::statusAt(folder, sidecarName.c_str(), status) < 0 || !status.isRegular())
+        return false;
+    if (status.links > 1)
+        return true;
+    const std::string name = sidecarName.substr(2);
+    return openSidecar({folder, name, status}, false, sidecar) == SidecarState::good && sidecar.layout.filler == copiedFiller;
 }
 
 OSErr clearTheWayFor(int folder, const std::string &name)
 {
     ObjectStatus status;
     const std::string sidecar = sidecarNameOf(name);
-    if (!hasRoomForSidecar(name) || linux_calls::statusAt(folder, sidecar.c_str(), status) < 0 || status.isFolder())
+    if (!hasRoomForSidecar(name))
         return noErr;
-    if (status.isRegular() && status.links > 1)
+    const int failure = linux_calls::statusAt(folder, sidecar.c_str(), status);
+    if (failure < 0 && !linux_calls::saysAbsent(failure))
+        return resultFromErrno(-failure);   // an orphan that was overlooked would become the fork of a file that it does not belong to
+    if (failure < 0 || status.isFolder())
+        return noErr;
+    if (isLeftoverSidecar(folder, sidecar))
         return resultFromErrno(-linux_calls::unlinkAt(folder, sidecar.c_str()));
     return moveAside(folder, name);
 }
@@ -290,7 +414,12 @@ OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carri
 {
     ObjectStatus status;
     carried = false;
-    if (!hasRoomForSidecar(from.name) || linux_calls::statusAt(from.folder, sidecarName(from).c_str(), status) < 0 || !status.isRegular())
+    if (!hasRoomForSidecar(from.name))
+        return noErr;
+    const int lookedUp = linux_calls::statusAt(from.folder, sidecarName(from).c_str(), status);
+    if (lookedUp < 0 && !linux_calls::saysAbsent(lookedUp))
+        return resultFromErrno(-lookedUp);   // a sidecar that was overlooked would stay behind
+    if (lookedUp < 0 || !status.isRegular())
         return noErr;
     if (!hasRoomForSidecar(to.name))
         return errFSNameTooLong;

@@ -39,13 +39,14 @@ enum class SidecarState
     good,
     bad,          // something has the name, but it is no sidecar that makes sense
     unreadable,   // not permitted
+    failing,      // the disk failed: what there is nobody knows
 };
 
 // Opens and reads the sidecar of a file. `sidecar` is good only if the result is.
 SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &sidecar);
 
-// Whether anything has the sidecar's name. One call.
-bool hasSidecar(const SidecarPlace &place);
+// Whether anything has the sidecar's name. One call. Result: noErr or the disk's code.
+OSErr findSidecar(const SidecarPlace &place, bool &isThere);
 
 // Writes entries as far as a good sidecar has room for them where they stand; those that it lacks are left out. A sidecar that others hold by a
 // hard link is copied first. Result: noErr or the disk's code.
@@ -57,6 +58,19 @@ OSErr completeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> p
 
 // Makes an empty one of 82 bytes unless something has the name already. Results as above.
 OSErr ensureSidecar(const SidecarPlace &place, const FinderBytes &finderInfo);
+
+// The length of a fork is 32 bits, and with what stands before it the sidecar must not be longer either.
+constexpr std::uint64_t largestFork = 0xFFFFFFFFu - 0x10000u;
+
+// Opens a sidecar whose fork is about to be written: it is made if there is none, becomes the file's own if others hold it, and has the fork's bytes at
+// its end. Results as of completeSidecar.
+OSErr openGrowingFork(const SidecarPlace &place, const FinderBytes &finderInfo, Sidecar &sidecar);
+
+// Writes the length of the fork into the table. 0 or a negative errno.
+int writeForkLength(const Sidecar &sidecar, std::uint64_t length);
+
+// Whether a sidecar without a file is only left over from a change of name that was cut off: it has another name, or a file took its copy with it.
+bool isLeftoverSidecar(int folder, const std::string &sidecarName);
 
 // A file gets a name: a leftover sidecar of that name is removed, an orphan is moved aside to a free visible name.
 OSErr clearTheWayFor(int folder, const std::string &name);

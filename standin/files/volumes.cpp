@@ -1,5 +1,6 @@
 #include "standin/files/volumes.h"
 
+#include "standin/files/attribute_format.h"
 #include "standin/files/directories.h"
 #include "standin/files/errors.h"
 #include "standin/files/forks.h"
@@ -7,6 +8,7 @@
 #include "standin/files/nodes.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -47,6 +49,13 @@ bool hasStableBirths(int root, const ObjectStatus &status)
     return status.hasBirth && std::find(std::begin(unstable), std::end(unstable), linux_calls::diskKind(root)) == std::end(unstable);
 }
 
+bool hasTrueListings(int root)
+{
+    constexpr std::int64_t f2fs = 0xF2F52010;   // in older headers it has no name
+    static constexpr std::int64_t trusted[] = {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, TMPFS_MAGIC, f2fs};
+    return std::find(std::begin(trusted), std::end(trusted), linux_calls::diskKind(root)) != std::end(trusted);
+}
+
 std::string lastComponent(const std::string &path)
 {
     const std::size_t slash = path.rfind('/');
@@ -65,12 +74,14 @@ OSErr openVolume(const std::string &directory, const VolumeOptions &options, std
 {
     Descriptor root(linux_calls::openAbsoluteFolder(directory.c_str()));
     if (!root.isOpen())
-        return dirNFErr;
+        return root.number() == -ENOTDIR ? errFSNotAFolder : dirNFErr;
     auto made = std::make_shared<Volume>();
     if (linux_calls::statusOf(root.number(), made->rootStatus) < 0)
         return dirNFErr;
     made->path = withoutSlashesAtEnd(linux_calls::pathOf(root.number()));
+    made->trustsListings = hasTrueListings(root.number());
     made->comparesBirths = hasStableBirths(root.number(), made->rootStatus);
+    made->hasAttributes = linux_calls::getAttribute(root.number(), ".", ownAttributeName, {}) != -EOPNOTSUPP;
     made->options = options;
     made->softwareLocked = options.locked;
     made->root = std::make_shared<const Descriptor>(std::move(root));
@@ -160,7 +171,8 @@ void addFromEnvironment(const std::string &entry)
     if (equals == std::string::npos || equals == 0 ||
         openVolume(directoryAndOptions(entry.substr(equals + 1), options), options, volume) != noErr)
     {
-        table().environmentProblem = "ZERB_VOLUMES holds \"" + entry + "\", which is no NAME=DIR with a folder that can be opened";
+        if (table().environmentProblem.empty())
+            table().environmentProblem = "ZERB_VOLUMES holds \"" + entry + "\", which is no NAME=DIR with a folder that can be opened";
         return;
     }
     volume->isDirectoryVolume = true;
@@ -174,6 +186,8 @@ void makeReady()
         return;
     table().isReady = true;
     startFromEnvironment();
+    if (table().volumes.empty())
+        return;   // no other volume takes the startup volume's place
     const char *rest = std::getenv("ZERB_VOLUMES");
     std::string entries = rest ? rest : "";
     for (std::size_t start = 0; start < entries.size();)

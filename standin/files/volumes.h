@@ -24,6 +24,8 @@ struct Volume
     bool isDirectoryVolume = false;
     VolumeOptions options;
     std::atomic<bool> softwareLocked{false};
+    bool hasAttributes = true;     // extended ones, on what may have them
+    bool trustsListings = false;   // a folder's entries have the inode numbers that the objects' own status has
     bool comparesBirths = false;   // births are stable: not on overlay, network and FUSE disks
 
     // noErr, or the code of the lock that stands against any change: wPrErr before vLckdErr.
