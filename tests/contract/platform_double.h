@@ -1,0 +1,29 @@
+// The recording double: it stands where the platform would be when the library is tested by itself.
+//
+//     PlatformDouble platform;                          // from here on the platform's calls go to this one
+//     platform.files.object("file").info.nodeFlags |= kFSNodeLockedMask;
+//     EXPECT_EQ(FSCheckLock(&platform.files.ref("file")), fLckdErr);
+//     EXPECT_EQ(platform.calls(), Calls{"FSGetCatalogInfo(ref:file, 0x6, info, -, -, -)"});
+//
+// Each manager has its own part, a plain struct with the state that its calls answer from. README.md says how to add one.
+
+#pragma once
+
+#include "tests/contract/double_dates.h"
+#include "tests/contract/double_files.h"
+#include "tests/contract/recorder.h"
+
+class PlatformDouble : public Recorder
+{
+public:
+    PlatformDouble();
+    ~PlatformDouble();
+    PlatformDouble(const PlatformDouble &) = delete;
+    PlatformDouble &operator=(const PlatformDouble &) = delete;
+
+    // The one that the platform's calls go to. There is one at a time.
+    static PlatformDouble &current();
+
+    FilesDouble files;
+    DatesDouble dates;
+};
