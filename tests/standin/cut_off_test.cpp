@@ -1,0 +1,277 @@
+// Every change, cut off before each system call that changes the disk in turn: afterwards all is as before or as after, and what was
+// left over is seen by nobody and goes with the next changes.
+#include "tests/standin/processes.h"
+#include "tests/standin/test_volume.h"
+
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <set>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Not named by every C library yet.
+#ifndef PTRACE_GET_SYSCALL_INFO
+#define PTRACE_GET_SYSCALL_INFO 0x420e
+#endif
+
+namespace
+{
+
+using namespace support;
+
+// A folder with "one/first" and "one/second", each with data, fork and metadata of its own, and an empty folder "two".
+struct Scene
+{
+    FSRef first, second, one, two;
+};
+
+Scene sceneIn(const std::string &folder)
+{
+    return {refAt(folder + "/one/first"), refAt(folder + "/one/second"), refAt(folder + "/one"), refAt(folder + "/two")};
+}
+
+OSErr setDates(const FSRef &ref, UInt16 fraction)
+{
+    FSCatalogInfo info{};
+    info.createDate = dateOfUnix(1000000000, fraction);
+    info.backupDate = dateOfUnix(1000000000, fraction);
+    return change(ref, kFSCatInfoCreateDate | kFSCatInfoBackupDate, info);
+}
+
+struct Action
+{
+    const char *name;
+    OSErr (*act)(Scene &scene);
+};
+
+const Action actions[] = {
+    {"SetType", [](Scene &scene) { return setType(scene.first, code("NEW1"), code("NEW1")); }},
+    {"SetDates", [](Scene &scene) { return setDates(scene.first, 2); }},
+    {"Lock", [](Scene &scene) { return setLock(scene.first, true); }},
+    {"Rename", [](Scene &scene) { return rename(scene.first, "renamed"); }},
+    {"Move", [](Scene &scene) { return move(scene.first, scene.two); }},
+    {"Delete", [](Scene &scene) { return FSDeleteObject(&scene.first); }},
+    {"Create", [](Scene &scene) { return makeFile(scene.two, "created"); }},
+    {"CreateFolder", [](Scene &scene) { return makeFolder(scene.two, "created"); }},
+};
+
+const Action &actionNamed(const std::string &name)
+{
+    for (const Action &action : actions)
+        if (name == action.name)
+            return action;
+    throw std::runtime_error("no action " + name);
+}
+
+// Stops itself before and after the action, for the tracer.
+const Role actsOnce("actsOnceUnderATracer", [](const RoleArguments &arguments) {
+    Scene scene = sceneIn(arguments[0]);
+    const Action &action = actionNamed(arguments[1]);
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    raise(SIGSTOP);
+    OSErr result = action.act(scene);
+    raise(result == noErr ? SIGSTOP : SIGUSR1);
+    _exit(0);
+});
+
+// The part of the kernel's record that is used here.
+struct SystemCall
+{
+    std::uint8_t kind, padding[3];
+    std::uint32_t architecture;
+    std::uint64_t instruction, stack, number, arguments[6];
+};
+
+bool changesTheDisk(const SystemCall &call)
+{
+    static const std::set<std::uint64_t> changing{
+        SYS_write,     SYS_pwrite64, SYS_pwritev,   SYS_ftruncate, SYS_fallocate, SYS_linkat,       SYS_renameat,  SYS_renameat2,       SYS_unlinkat,
+        SYS_mkdirat,   SYS_setxattr, SYS_lsetxattr, SYS_fsetxattr, SYS_fchmodat,  SYS_removexattr,  SYS_fchownat,  SYS_copy_file_range, SYS_lremovexattr,
+        SYS_utimensat, SYS_fchmod,   SYS_fchown,    SYS_symlinkat, SYS_ioctl,     SYS_fremovexattr, 463 /* setxattrat */, 466 /* removexattrat */};
+    bool opensNew = call.number == SYS_openat && (call.arguments[2] & (O_CREAT | (O_TMPFILE & ~O_DIRECTORY)));
+    return opensNew || changing.count(call.number) > 0;
+}
+
+// Lets the process go on to its next stop. False once it has ended.
+bool nextStop(pid_t process, int &status)
+{
+    ptrace(PTRACE_SYSCALL, process, nullptr, nullptr);
+    return waitpid(process, &status, __WALL) == process && WIFSTOPPED(status);
+}
+
+enum class End
+{
+    cutOff,
+    done,
+    failed,
+};
+
+// Runs to the nth changing call and ends the process there, before the call is made.
+End runUpTo(pid_t process, int nth)
+{
+    int status = 0;
+    if (waitpid(process, &status, __WALL) != process || !WIFSTOPPED(status))
+        return End::failed;
+    ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+    while (nextStop(process, status)) {
+        SystemCall call{};
+        if (WSTOPSIG(status) == SIGSTOP || WSTOPSIG(status) == SIGUSR1)
+            return WSTOPSIG(status) == SIGSTOP ? End::done : End::failed;
+        bool entering = WSTOPSIG(status) == (SIGTRAP | 0x80) && ptrace(static_cast<__ptrace_request>(PTRACE_GET_SYSCALL_INFO), process, sizeof call, &call) > 0 &&
+                        call.kind == 1;
+        if (entering && changesTheDisk(call) && --nth == 0)
+            return End::cutOff;
+    }
+    return End::failed;
+}
+
+using Row = std::tuple<DiskKind, const char *>;
+
+class CutOff : public testing::TestWithParam<Row>
+{
+protected:
+    void SetUp() override
+    {
+        const Disk &disk = diskOf(std::get<0>(GetParam()));
+        if (!disk.problem.empty())
+            GTEST_SKIP() << disk.problem;
+        folder_.emplace(disk);
+    }
+    std::string action() const { return std::get<1>(GetParam()); }
+    std::string place(int round, const std::string &name) { return *folder_ / (std::to_string(round) + name); }
+
+    void makeScene(int round);
+    void expectBeforeOrAfter(int round);
+    void clearAway(int round);
+    UInt32 listed(int round);
+
+private:
+    std::optional<TemporaryFolder> folder_;
+};
+
+Bytes forkOfFile(const std::string &name)
+{
+    return bytesOf("the fork of " + name + std::string(5000, 'f'));
+}
+
+void CutOff::makeScene(int round)
+{
+    for (std::string part : {"", "/one", "/two"})
+        mkdir(place(round, part).c_str(), 0755);
+    for (std::string name : {"first", "second"}) {
+        writeFile(place(round, "/one/" + name), name);
+        FSRef ref = refAt(place(round, "/one/" + name));
+        ASSERT_EQ(writeFork(ref, true, forkOfFile(name)), noErr);
+        OSType type = name == "first" ? code("OLD1") : code("OLD2");
+        ASSERT_EQ(setType(ref, type, type), noErr);
+        ASSERT_EQ(setDates(ref, 1), noErr);
+    }
+    // Somebody's only copy of a fork, in the way of what is created.
+    writeFile(place(round, "/two/._created"), plainSidecar(bytesOf("an orphan's fork")));
+}
+
+UInt32 CutOff::listed(int round)
+{
+    return infoOf(refAt(place(round, "/one")), kFSCatInfoValence).valence + infoOf(refAt(place(round, "/two")), kFSCatInfoValence).valence;
+}
+
+// The file and its fork belong together; its metadata are one of the two states, each as a whole.
+void expectWhole(const std::string &path, OSType oldType)
+{
+    SCOPED_TRACE(path);
+    FSRef ref = refAt(path);
+    Bytes data = forkOf(ref, false), fork = forkOf(ref);
+    EXPECT_EQ(fork, forkOfFile(std::string(data.begin(), data.end())));
+    FSCatalogInfo info = infoOf(ref);
+    EXPECT_EQ(+fileInfo(info).fileType, +fileInfo(info).fileCreator);
+    EXPECT_TRUE(fileInfo(info).fileType == oldType || fileInfo(info).fileType == code("NEW1"));
+    EXPECT_EQ(info.createDate, info.backupDate);
+    EXPECT_TRUE(info.createDate.fraction == 1 || info.createDate.fraction == 2);
+}
+
+void CutOff::expectBeforeOrAfter(int round)
+{
+    int firsts = 0;
+    std::set<Bytes> contents;
+    for (std::string name : {"/one/first", "/one/renamed", "/two/first"})
+        if (exists(place(round, name))) {
+            ++firsts;
+            expectWhole(place(round, name), code("OLD1"));
+            contents.insert(readFile(place(round, name)));
+        }
+    EXPECT_TRUE(firsts == 1 || (firsts == 0 && action() == "Delete")) << firsts;
+    expectWhole(place(round, "/one/second"), code("OLD2"));
+    contents.insert(readFile(place(round, "/one/second")));
+    EXPECT_EQ(static_cast<int>(contents.size()), firsts + 1) << "each content once";
+    // The orphan is there under its old name or under its new one, never twice and never as the fork of what was created.
+    UInt32 created = exists(place(round, "/two/created"));
+    UInt32 expected = static_cast<UInt32>(firsts) + 1 + created + 1;
+    if (firsts == 0)   // a deletion removes the file first: its sidecar may still be there, a file of its own now
+        expected += exists(place(round, "/one/._first"));
+    EXPECT_EQ(listed(round), expected) << runShell("ls -ali '" + place(round, "") + "'/*").output;
+    if (created) {
+        EXPECT_EQ(+infoOf(refAt(place(round, "/two/created"))).rsrcLogicalSize, 0u);
+    }
+}
+
+// The changes that come next: they find nothing in their way, and the leftovers do not come to light.
+void CutOff::clearAway(int round)
+{
+    for (std::string name : {"/one/first", "/one/renamed", "/two/first", "/one/second", "/two/created"})
+        if (exists(place(round, name))) {
+            FSRef ref = refAt(place(round, name));
+            UInt32 before = listed(round);
+            EXPECT_EQ(setLock(ref, false), noErr);
+            EXPECT_EQ(setType(ref, code("NEXT"), code("NEXT")), noErr);
+            EXPECT_EQ(listed(round), before) << "after a change of " << name << runShell("ls -ali '" + place(round, "") + "'/*").output;
+            EXPECT_EQ(FSDeleteObject(&ref), noErr);
+        }
+    for (const std::string &name : namesIn(place(round, "/two")))
+        if (name.find("created") != std::string::npos && name.find(".zerb-") == std::string::npos)
+            unlink(place(round, "/two/" + name).c_str());
+    if (action() == "Delete")
+        unlink(place(round, "/one/._first").c_str());
+    for (std::string part : {"/one", "/two"}) {
+        FSRef ref = refAt(place(round, part));
+        EXPECT_EQ(FSDeleteObject(&ref), noErr) << part << testing::PrintToString(namesIn(place(round, part)));
+    }
+}
+
+TEST_P(CutOff, LeavesAllAsBeforeOrAsAfter)
+{
+    End end = End::cutOff;
+    int nth = 0;
+    while (end == End::cutOff && !HasFailure()) {
+        SCOPED_TRACE(testing::Message() << "cut off before change " << ++nth);
+        makeScene(nth);
+        Running process = startRole("actsOnceUnderATracer", {place(nth, ""), action()});
+        end = runUpTo(process.process(), nth);
+        process.kill(SIGKILL);
+        EXPECT_NE(end, End::failed) << process.wait().output;
+        process.wait();
+        expectBeforeOrAfter(nth);
+        clearAway(nth);
+    }
+    EXPECT_GT(nth, 1) << "the action changes nothing";
+}
+
+std::vector<const char *> actionNames()
+{
+    std::vector<const char *> names;
+    for (const Action &action : actions)
+        names.push_back(action.name);
+    return names;
+}
+
+std::string rowName(const testing::TestParamInfo<Row> &row)
+{
+    return std::string(std::get<1>(row.param)) + "On" + nameOfKind(std::get<0>(row.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryDisk, CutOff, testing::Combine(testing::ValuesIn(everyKind()), testing::ValuesIn(actionNames())), rowName);
+
+}   // namespace

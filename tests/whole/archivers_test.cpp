@@ -1,0 +1,70 @@
+// Programs that know the sidecar format from elsewhere recognise ours.
+#include "tests/standin/processes.h"
+#include "tests/standin/test_volume.h"
+
+#include <sys/stat.h>
+
+namespace
+{
+
+using namespace support;
+
+class Archivers : public DiskTest
+{
+protected:
+    // A file with type, creator and fork of ours, on any disk.
+    FSRef forkedFile(const std::string &name, const Bytes &fork)
+    {
+        writeFile(folder() / name, "the data fork");
+        FSRef ref = refAt(folder() / name);
+        EXPECT_EQ(setType(ref, code("TEXT"), code("ttxt")), noErr);
+        EXPECT_EQ(writeFork(ref, true, fork), noErr);
+        return ref;
+    }
+};
+
+TEST_P(Archivers, AreToldTheFormatByItsFirstBytes)
+{
+    if (!programExists("file"))
+        GTEST_SKIP() << "no program file on this machine";
+    forkedFile("document", Bytes(300, 1));
+    std::string said = run({"file", "--brief", folder() / "._document"}).output;
+    EXPECT_NE(said.find("AppleDouble"), std::string::npos) << said;
+}
+
+TEST_P(Archivers, TheLockAlonesSidecarIsOneToo)
+{
+    if (!programExists("file"))
+        GTEST_SKIP() << "no program file on this machine";
+    writeFile(folder() / "document");
+    FSRef ref = refAt(folder() / "document");
+    ASSERT_EQ(setLock(ref, true), noErr);
+    std::string said = run({"file", "--brief", folder() / "._document"}).output;
+    EXPECT_NE(said.find("AppleDouble"), std::string::npos) << said;
+    ASSERT_EQ(setLock(ref, false), noErr);
+}
+
+TEST_P(Archivers, APackedFolderKeepsTheForkForThem)
+{
+    if (!programExists("lsar") || !programExists("unar") || !programExists("tar"))
+        GTEST_SKIP() << "no lsar, unar or tar on this machine";
+    Bytes fork = bytesOf("what the resource fork holds");
+    forkedFile("document", fork);
+    mkdir((folder() / "unpacked").c_str(), 0755);
+    // The order of macOS's own archives: the sidecar before its file.
+    Ended packed = run({"tar", "-cf", folder() / "archive.tar", "-C", folder().path(), "._document", "document"});
+    ASSERT_EQ(packed.status, 0) << packed.output;
+    std::string listing = run({"lsar", "-l", folder() / "archive.tar"}).output;
+    EXPECT_NE(listing.find("document"), std::string::npos) << listing;
+
+    // Told to show forks, it writes the one that it has read as a sidecar of its own.
+    Ended unpacked = run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
+    ASSERT_EQ(unpacked.status, 0) << unpacked.output;
+    EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
+    FSRef ref = refAt(folder() / "unpacked/document");
+    EXPECT_EQ(forkOf(ref), fork);
+}
+
+ON_EVERY_DISK(Archivers);
+
+}   // namespace
