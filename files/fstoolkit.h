@@ -32,9 +32,8 @@ OSErr FSRefMakeFSSpec(const FSRef *ref, FSSpec *spec);
 
 // Makes a reference to the object called `name` in the directory `dirID` of the volume `volRefNum`.
 //
-// The three are read as the File Manager reads them in every parameter block: with a null `name` the directory itself is
-// meant; a partial or full path may stand for the name. `name` is a length-prefixed string and is only read. The object
-// must exist.
+// The three are handed on as they are and read as the File Manager reads them in every parameter block; with a null
+// `name` the directory itself is meant. `name` is a length-prefixed string and is only read. The object must exist.
 //
 // Result: noErr; paramErr if `newRef` is null; otherwise PBMakeFSRefSync's code, unchanged.
 OSErr FSMakeFSRef(FSVolumeRefNum volRefNum, SInt32 dirID, ConstStr255Param name, FSRef *newRef);
