@@ -116,10 +116,11 @@ OSErr readResource(const OpenFork &fork, std::uint64_t position, std::span<std::
     got = position < size ? std::min<std::uint64_t>(bytes.size(), size - position) : 0;
     if (got == 0)
         return bytes.empty() ? noErr : eofErr;
-    const ssize_t read = linux_calls::readAt(sidecar.file.number(), bytes.first(got), sidecar.layout.find(kResourceForkEntry)->offset + position);
+    const ssize_t read =
+        linux_calls::readAt(sidecar.file.number(), bytes.first(got), sidecar.layout.find(kResourceForkEntry)->offset + position);
+    got = static_cast<std::size_t>(std::max<ssize_t>(read, 0));
     if (read < 0)
         return resultFromErrno(static_cast<int>(-read));
-    got = static_cast<std::size_t>(read);
     return got < bytes.size() ? eofErr : noErr;
 }
 

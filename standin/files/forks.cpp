@@ -51,11 +51,10 @@ void fillName(HFSUniStr255 &name, bool isResourceFork)
 }
 
 // Opens an object's bytes, and makes sure that they are the bytes of that very object. Never waits, whatever lies there.
-OSErr openData(const Object &object, bool forWriting, Descriptor &file)
+OSErr openData(const Object &object, int access, Descriptor &file)
 {
     ObjectStatus status;
-    const int opened =
-        linux_calls::openAt(object.folder->number(), object.name.c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
+    const int opened = linux_calls::openAt(object.folder->number(), object.name.c_str(), access | O_NONBLOCK);
     if (opened < 0)
         return resultFromErrno(-opened);
     file = Descriptor(opened);
@@ -79,12 +78,12 @@ OSErr openAsAllowed(const Object &object, SInt8 permissions, OpenFork &fork)
     {
         OSErr result = checkMayWrite(object);
         if (result == noErr)
-            result = openData(object, true, fork.file);
+            result = openData(object, permissions == fsWrPerm ? O_WRONLY : O_RDWR, fork.file);
         fork.mayWrite = result == noErr;
         if (result == noErr || wantsWriting)
             return result;
     }
-    return openData(object, false, fork.file);
+    return openData(object, O_RDONLY, fork.file);
 }
 
 // A second writer of a fork is refused; a second one that takes what is allowed becomes a reader.
@@ -202,7 +201,8 @@ OSErr FSCloseFork(SInt16 number)
     return table().forks.erase(number) ? noErr : rfNumErr;
 }
 
-OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actual, FSForkInfo *info, FSRef *ref, HFSUniStr255 *name)
+OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actual, FSForkInfo *info, FSRef *ref,
+                      HFSUniStr255 *name)
 {
     SInt16 number = refNum;
     if (info)

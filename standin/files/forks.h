@@ -20,8 +20,8 @@ struct OpenFork
     Identity identity;
     bool isResourceFork = false;
     bool mayRead = true, mayWrite = false;
-    Descriptor file;       // of a data fork
-    std::mutex mutex;      // one step at a time
+    Descriptor file;    // of a data fork
+    std::mutex mutex;   // one step at a time
     std::int64_t mark = 0;
 };
 

@@ -94,7 +94,8 @@ int status(int descriptor, const char *name, int flags, ObjectStatus &result)
 {
     struct statx record;
     const int failure = repeated([&] {
-        return statx(descriptor, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID, &record);
+        return statx(descriptor, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID,
+                     &record);
     });
     if (failure == 0)
         take(record, result);

@@ -74,12 +74,13 @@ int openAbsoluteFolder(const char *path);                      // follows links:
 int openFolderBeneath(int folder, const char *relativePath);   // no links, no mounts, not above; -ENOSYS on old kernels
 int openTemporary(int folder, mode_t mode);                    // a file without a name
 int giveName(int descriptor, int folder, const char *name);    // … gets its name; refuses to replace
-int openByInode(int anyDescriptorOnDisk, std::uint64_t inode); // needs a privilege, and a disk whose handles can be made from an inode number
+int openByInode(int anyDescriptorOnDisk,
+                std::uint64_t inode);   // needs a privilege, and a disk whose handles can be made from an inode number
 
 ssize_t readDirectory(int descriptor, std::span<char> buffer);
 ssize_t readLink(int folder, const char *name, std::span<char> target);
-std::string pathOf(int descriptor);        // where the kernel says that it lies, or empty
-std::string currentDirectory();            // or empty
+std::string pathOf(int descriptor);   // where the kernel says that it lies, or empty
+std::string currentDirectory();       // or empty
 
 ssize_t listAttributes(int folder, const char *name, std::span<char> names);
 ssize_t getAttribute(int folder, const char *name, const char *attribute, std::span<std::uint8_t> value);
@@ -91,14 +92,14 @@ int setMode(int descriptor, std::uint32_t mode);
 int setOwner(int descriptor, std::uint32_t user, std::uint32_t group);
 
 int linkAt(int fromFolder, const char *fromName, int toFolder, const char *toName);
-int renameAt(int fromFolder, const char *fromName, int toFolder, const char *toName);                 // may replace
+int renameAt(int fromFolder, const char *fromName, int toFolder, const char *toName);   // may replace
 int renameWithoutReplacing(int fromFolder, const char *fromName, int toFolder, const char *toName);
 int unlinkAt(int folder, const char *name);
 int removeFolderAt(int folder, const char *name);
 int makeFolderAt(int folder, const char *name, mode_t mode);
 
-ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);          // until full or the end of the file
-int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t offset);       // all or a failure
+ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);      // until full or the end of the file
+int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t offset);   // all or a failure
 int setSize(int descriptor, std::uint64_t size);
 int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length);   // in the kernel where it can
 

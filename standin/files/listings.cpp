@@ -93,7 +93,8 @@ int Listing::read(int folder)
     bool anySidecars = false;
     const int result = visitEntries(folder, [&](const Entry &entry) {
         anySidecars |= looksLikeSidecar(entry.name) || entry.name.starts_with(temporaryPrefix);
-        items_.push_back({entry.inode, static_cast<std::uint32_t>(names_.size()), static_cast<std::uint8_t>(entry.name.size()), entry.type, false});
+        items_.push_back(
+            {entry.inode, static_cast<std::uint32_t>(names_.size()), static_cast<std::uint8_t>(entry.name.size()), entry.type, false});
         names_ += entry.name;
         return true;
     });

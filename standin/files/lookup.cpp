@@ -3,6 +3,8 @@
 #include "standin/files/names.h"
 #include "standin/files/references.h"
 
+#include <algorithm>
+
 using namespace standin;
 
 namespace
@@ -19,11 +21,17 @@ FSRef rememberedReference(const Object &object)
 // The parent of a volume's root holds just that root, under the volume's name.
 OSErr findAboveRoot(const VolumeHandle &volume, ConstStr255Param name, Object &object)
 {
+    Str63 ownName;
     std::vector<std::string> candidates;
+    if (OSErr result = findRoot(volume, object))
+        return result;
+    makeShortName(object, ownName);
+    if (std::equal(name, name + name[0] + 1, ownName, ownName + ownName[0] + 1))
+        return noErr;
     if (OSErr result = lookupNamesFromPascal(name, candidates))
         return result;
     for (const std::string &candidate : candidates)
-        if (const VolumeHandle named = candidate == volume->name ? volume : findVolumeNamed(candidate))
+        if (const VolumeHandle named = findVolumeNamed(candidate))
             return findRoot(named, object);
     return nsvErr;
 }

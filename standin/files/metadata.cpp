@@ -154,8 +154,8 @@ void takeSidecar(const Object &object, Attributes &attributes, unsigned parts, M
     if (object.sidecarIsAbsent)
         return;
     const SidecarState state = openSidecar(sidecarPlace(object), false, sidecar);
-    if (state == SidecarState::failing)
-        attributes.failure = EIO;
+    if (state == SidecarState::failing || state == SidecarState::unreadable)
+        attributes.failure = state == SidecarState::failing ? EIO : EACCES;
     if (state != SidecarState::good)
         return;   // a bad sidecar never makes the data unreadable
     if (!attributes.possible)

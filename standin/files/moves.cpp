@@ -5,7 +5,6 @@
 #include "standin/files/names.h"
 #include "standin/files/sidecar_store.h"
 
-
 using namespace standin;
 
 namespace

@@ -27,7 +27,7 @@ struct ReferenceFields
     Birth time = 0;             // 0: the disk has no births
     bool timeIsBirth = false;   // else it is the moment at which a listing showed the object
     bool nameIsHashed = false;
-    std::string name;           // unless it is hashed
+    std::string name;   // unless it is hashed
     std::uint64_t nameHash = 0;
 };
 

@@ -143,8 +143,8 @@ bool findWhereMoved(const ReferenceFields &fields, Object &object, Anchoring anc
     Folder folder;
     if (recallMoved(*object.volume, identity, place) && findPlaced(object, place, anchoring) == noErr && isMeant(fields, object.identity()))
         return true;
-    return recallFolder(*object.volume, identity, folder) &&
-           findPlaced(object, {folder.parentID, folder.name}, anchoring) == noErr && isMeant(fields, object.identity());
+    return recallFolder(*object.volume, identity, folder) && findPlaced(object, {folder.parentID, folder.name}, anchoring) == noErr &&
+           isMeant(fields, object.identity());
 }
 
 bool findInSameFolder(const ReferenceFields &fields, Object &object)

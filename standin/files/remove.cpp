@@ -65,9 +65,8 @@ OSErr FSDeleteObject(const FSRef *ref)
         return result;
     if (OSErr result = checkMayLeave(object))
         return result;
-    const OSErr result = object.isFolder()
-                             ? removeFolder(object)
-                             : resultFromErrno(-linux_calls::unlinkAt(object.folder->number(), object.name.c_str()));
+    const OSErr result =
+        object.isFolder() ? removeFolder(object) : resultFromErrno(-linux_calls::unlinkAt(object.folder->number(), object.name.c_str()));
     if (result == noErr)
         removeSidecar({object.folder->number(), object.name, object.status});
     return result;

@@ -40,7 +40,8 @@ std::u16string composedNameOf(std::string_view diskName)
 bool findsAgain(ConstStr255Param name, std::string_view diskName)
 {
     std::vector<std::string> candidates;
-    return lookupNamesFromPascal(name, candidates) == noErr && std::find(candidates.begin(), candidates.end(), diskName) != candidates.end();
+    return lookupNamesFromPascal(name, candidates) == noErr &&
+           std::find(candidates.begin(), candidates.end(), diskName) != candidates.end();
 }
 
 // FNV-1a with 64 bits, its bits then mixed so that the first digits depend on every byte.

@@ -18,6 +18,7 @@ namespace
 
 constexpr std::size_t headSize = 1024;                   // one read has the table and, in most sidecars, every small entry
 constexpr std::size_t blankForkSize = 286;
+constexpr std::size_t smallEntrySize = 64;               // no entry that we read or write at once is longer
 constexpr std::uint64_t largestSmallEntry = 1 << 24;     // more than any writer's entry but the fork
 constexpr SidecarFiller ownFiller = {};
 constexpr std::size_t fillerOffset = 8;
@@ -30,11 +31,22 @@ std::string sidecarName(const SidecarPlace &place)
     return sidecarNameOf(place.name);
 }
 
-bool isBlankFork(const Sidecar &sidecar, const SidecarEntry &fork)
+// What else is asked for later is read now, so that a failure to read it is never taken for its absence.
+SidecarState readBehindHead(Sidecar &sidecar)
 {
-    std::uint8_t bytes[blankForkSize];
-    return fork.length == blankForkSize && linux_calls::readAt(sidecar.file.number(), bytes, fork.offset) == blankForkSize &&
-           isIntentionallyBlankFork(bytes);
+    for (const SidecarEntry &entry : sidecar.layout.entries)
+    {
+        const bool mayBeBlank = entry.id == kResourceForkEntry && entry.length == blankForkSize;
+        std::vector<std::uint8_t> bytes(mayBeBlank ? blankForkSize : std::min<std::uint64_t>(entry.length, smallEntrySize));
+        if (entry.id == kResourceForkEntry && !mayBeBlank)
+            continue;
+        if (!sidecar.read(entry.id, bytes))
+            return SidecarState::failing;
+        sidecar.forkIsBlank |= mayBeBlank && isIntentionallyBlankFork(bytes);
+        if (!mayBeBlank && entry.offset + bytes.size() > sidecar.head.size())
+            sidecar.behindHead.push_back({entry.id, std::move(bytes)});
+    }
+    return SidecarState::good;
 }
 
 // What a failure to open says.
@@ -60,15 +72,15 @@ SidecarState readHead(Sidecar &sidecar)
         return SidecarState::failing;
     sidecar.head.resize(static_cast<std::size_t>(got));
     const SidecarProblem problem = parseSidecar(sidecar.head, sidecar.status.size, sidecar.layout);
-    return problem == SidecarProblem::none ? SidecarState::good : SidecarState::bad;
+    return problem == SidecarProblem::none ? readBehindHead(sidecar) : SidecarState::bad;
 }
 
 // Before a sidecar that has other names gets a copy of its own under this one: a name that has no file is then known as left over from a move that was
 // cut off. What another system wrote is not marked.
-void markAsCopied(const Sidecar &sidecar)
+int markAsCopied(const Sidecar &sidecar)
 {
-    if (sidecar.status.links > 1 && sidecar.layout.filler == ownFiller)
-        linux_calls::writeAt(sidecar.file.number(), copiedFiller, fillerOffset);
+    const bool isMarked = sidecar.status.links > 1 && sidecar.layout.filler == ownFiller;
+    return isMarked ? linux_calls::writeAt(sidecar.file.number(), copiedFiller, fillerOffset) : 0;
 }
 
 // Who writes to a sidecar has it for himself again.
@@ -91,10 +103,10 @@ OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, c
         return resultFromErrno(-failure);
     if (linux_calls::effectiveUser() == 0)
         linux_calls::setOwner(temporary.descriptor(), place.status.user, place.status.group);
-    if (old)
-        markAsCopied(*old);
     const std::string name = sidecarName(place);
-    failure = old ? temporary.replace(name.c_str()) : temporary.appear(name.c_str());
+    failure = old ? markAsCopied(*old) : 0;
+    if (failure == 0)
+        failure = old ? temporary.replace(name.c_str()) : temporary.appear(name.c_str());
     return resultFromErrno(-failure);
 }
 
@@ -133,7 +145,7 @@ OSErr copyApart(const SidecarPlace &place, const Sidecar &sidecar)
     if (failure == 0 && linux_calls::effectiveUser() == 0)
         linux_calls::setOwner(temporary.descriptor(), sidecar.status.user, sidecar.status.group);
     if (failure == 0)
-        markAsCopied(sidecar);
+        failure = markAsCopied(sidecar);
     if (failure == 0)
         failure = temporary.replace(sidecarName(place).c_str());
     return resultFromErrno(-failure);
@@ -285,7 +297,7 @@ OSErr copySidecar(const SidecarPlace &from, const SidecarPlace &to)
 std::uint64_t Sidecar::forkLength() const
 {
     const SidecarEntry *fork = layout.find(kResourceForkEntry);
-    return !fork || isBlankFork(*this, *fork) ? 0 : fork->length;
+    return !fork || forkIsBlank ? 0 : fork->length;
 }
 
 bool Sidecar::read(std::uint32_t id, std::span<std::uint8_t> bytes) const
@@ -298,6 +310,12 @@ bool Sidecar::read(std::uint32_t id, std::span<std::uint8_t> bytes) const
         std::copy_n(head.begin() + static_cast<std::ptrdiff_t>(entry->offset), bytes.size(), bytes.begin());
         return true;
     }
+    const auto known = std::find_if(behindHead.begin(), behindHead.end(), [&](const SidecarPiece &piece) { return piece.id == id; });
+    if (known != behindHead.end() && known->bytes.size() >= bytes.size())
+    {
+        std::copy_n(known->bytes.begin(), bytes.size(), bytes.begin());
+        return true;
+    }
     return linux_calls::readAt(file.number(), bytes, entry->offset) == static_cast<ssize_t>(bytes.size());
 }
 
@@ -308,6 +326,7 @@ SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &si
     const int opened = linux_calls::openAt(place.folder, sidecarName(place).c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
     if (opened < 0)
         return stateAfter(opened);
+    sidecar = {};
     sidecar.file = Descriptor(opened);
     return readHead(sidecar);
 }

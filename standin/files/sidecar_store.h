@@ -26,6 +26,8 @@ struct Sidecar
     ObjectStatus status;
     SidecarLayout layout;
     std::vector<std::uint8_t> head;   // the first bytes of the file: at least the table
+    std::vector<SidecarPiece> behindHead;   // the beginnings of the small entries that lie further behind
+    bool forkIsBlank = false;               // on purpose
 
     std::uint64_t forkLength() const;   // 0 if there is none, or one that was left blank on purpose
 

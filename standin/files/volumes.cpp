@@ -45,7 +45,8 @@ VolumeTable &table()
 bool hasStableBirths(int root, const ObjectStatus &status)
 {
     constexpr std::int64_t fuse = 0x65735546, smb2 = 0xFE534D42, cifs = 0xFF534D42, plan9 = 0x01021997, ceph = 0x00C36400, afs = 0x5346414F;
-    static constexpr std::int64_t unstable[] = {OVERLAYFS_SUPER_MAGIC, NFS_SUPER_MAGIC, SMB_SUPER_MAGIC, fuse, smb2, cifs, plan9, ceph, afs};
+    static constexpr std::int64_t unstable[] = {
+        OVERLAYFS_SUPER_MAGIC, NFS_SUPER_MAGIC, SMB_SUPER_MAGIC, fuse, smb2, cifs, plan9, ceph, afs};
     return status.hasBirth && std::find(std::begin(unstable), std::end(unstable), linux_calls::diskKind(root)) == std::end(unstable);
 }
 

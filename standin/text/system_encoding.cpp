@@ -32,10 +32,7 @@ public:
         std::sort(bytes.begin(), bytes.end());
     }
 
-    char16_t unitOf(UInt8 byte) const
-    {
-        return units[byte];
-    }
+    char16_t unitOf(UInt8 byte) const { return units[byte]; }
 
     bool byteOf(char16_t unit, UInt8 &byte) const
     {
@@ -91,8 +88,7 @@ bool staysBelow(std::u16string_view unicode, char16_t limit)
 // The characters that the file system normalizes: all but its three ranges.
 const icu::UnicodeSet &normalizedCharacters()
 {
-    static const icu::UnicodeSet *const characters = []
-    {
+    static const icu::UnicodeSet *const characters = [] {
         auto *set = new icu::UnicodeSet(0, 0x10FFFF);   // kept until the process ends: threads may still convert names then
         set->remove(0x2000, 0x2FFF).remove(0xF900, 0xFAFF).remove(0x2F800, 0x2FAFF);
         set->freeze();
@@ -198,8 +194,9 @@ std::u16string composed(std::u16string_view unicode)
     const icu::Normalizer2 *normalizer = staysBelow(unicode, firstComposable) ? nullptr : icu::Normalizer2::getNFCInstance(status);
     if (normalizer == nullptr || U_FAILURE(status))
         return std::u16string(unicode);
-    return normalizedBetweenRanges(unicode, [&](const icu::UnicodeString &stretch)
-                                   { return withoutMadeCharacters(*normalizer, normalizedStretch(*normalizer, stretch)); });
+    return normalizedBetweenRanges(unicode, [&](const icu::UnicodeString &stretch) {
+        return withoutMadeCharacters(*normalizer, normalizedStretch(*normalizer, stretch));
+    });
 }
 
 }   // namespace standin
