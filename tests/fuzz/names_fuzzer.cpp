@@ -24,7 +24,8 @@ void checkShortNames(const std::string &diskName)
     Str63 name;
     std::vector<std::string> lookedFor;
     if (standin::plainShortName(diskName, name))
-        require(name[0] <= standin::longestShortName && standin::lookupNamesFromPascal(name, lookedFor) == noErr && isListed(lookedFor, diskName));
+        require(name[0] <= standin::longestShortName && standin::lookupNamesFromPascal(name, lookedFor) == noErr &&
+                isListed(lookedFor, diskName));
     for (int digits : {6, 11, 16})
     {
         standin::hashedShortName(diskName, digits, name);
@@ -62,7 +63,8 @@ void checkUnicodeName(const std::vector<UniChar> &units)
     OSErr looking = standin::lookupNamesFromUnicode(units.data(), units.size(), lookedFor);
     require(result != noErr || (looking == noErr && lookedFor.front() == exact));
     require(storing != noErr || (looking == noErr && isListed(lookedFor, stored)));
-    require(std::all_of(lookedFor.begin(), lookedFor.end(), [](const std::string &name) { return name.size() <= standin::longestDiskName; }));
+    require(
+        std::all_of(lookedFor.begin(), lookedFor.end(), [](const std::string &name) { return name.size() <= standin::longestDiskName; }));
 }
 
 }   // namespace

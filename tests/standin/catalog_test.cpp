@@ -61,7 +61,8 @@ TEST_P(Catalog, EveryFieldOfAFileIsRead)
     EXPECT_EQ(info.attributeModDate, dateOfStatx(record.stx_ctime));
     EXPECT_EQ(info.accessDate, dateOfStatx(record.stx_atime));
     EXPECT_EQ(info.backupDate, dateOf(0));
-    if (disk().hasBirthTimes) {
+    if (disk().hasBirthTimes)
+    {
         EXPECT_EQ(info.createDate, dateOfStatx(record.stx_btime));
     }
     EXPECT_TRUE(allZero(info.finderInfo, 16));
@@ -112,7 +113,8 @@ TEST_P(Catalog, DatesSurvive)
 {
     FSRef ref = fileRef();
     for (std::int64_t second : {500000000LL, 946684799LL, 1795280000LL, 2147483000LL})
-        for (int parts : {0, 1, 2, 21845, 32767, 32768, 65534, 65535}) {
+        for (int parts : {0, 1, 2, 21845, 32767, 32768, 65534, 65535})
+        {
             UInt16 fraction = static_cast<UInt16>(parts);
             FSCatalogInfo info{};
             info.createDate = dateOfUnix(second, fraction);
@@ -133,7 +135,8 @@ TEST_P(Catalog, DatesSurvive)
 TEST_P(Catalog, OwnDatesHaveNoYearTooFar)
 {
     FSRef ref = fileRef();
-    for (std::uint64_t seconds : {1ull, 0x7FFFFFFFull, 0xFFFFFFFFull, 0x100000000ull, 0xFFFFFFFFFFFFull}) {
+    for (std::uint64_t seconds : {1ull, 0x7FFFFFFFull, 0xFFFFFFFFull, 0x100000000ull, 0xFFFFFFFFFFFFull})
+    {
         FSCatalogInfo info{};
         info.createDate = info.backupDate = dateOf(seconds, 12345);
         ASSERT_EQ(change(ref, kFSCatInfoCreateDate | kFSCatInfoBackupDate, info), noErr);
@@ -173,7 +176,8 @@ FSCatalogInfo fullRecord()
     permissions.groupID = getegid();
     permissions.mode = 0600;
     std::memcpy(info.permissions, &permissions, sizeof permissions);
-    for (UInt8 i = 0; i < 16; ++i) {
+    for (UInt8 i = 0; i < 16; ++i)
+    {
         info.finderInfo[i] = static_cast<UInt8>(0x41 + i);
         info.extFinderInfo[i] = static_cast<UInt8>(0x61 + i);
     }
@@ -206,14 +210,15 @@ std::string settableText(const FSCatalogInfo &info, FSCatalogInfoBitmap which)
 }
 
 constexpr FSCatalogInfoBitmap settableFields[] = {
-    kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoAccessDate,
+    kFSCatInfoTextEncoding, kFSCatInfoCreateDate,  kFSCatInfoContentMod, kFSCatInfoAccessDate,
     kFSCatInfoBackupDate,   kFSCatInfoPermissions, kFSCatInfoFinderInfo, kFSCatInfoFinderXInfo,
 };
 
 TEST_P(Catalog, EachFieldIsSetAlone)
 {
     for (const char *kind : {"file", "folder"})
-        for (FSCatalogInfoBitmap field : settableFields) {
+        for (FSCatalogInfoBitmap field : settableFields)
+        {
             SCOPED_TRACE(testing::Message() << kind << ", field " << field);
             std::string path = folder() / (kind + std::to_string(field));
             std::string_view(kind) == "file" ? writeFile(path, "data") : static_cast<void>(mkdir(path.c_str(), 0755));
@@ -301,12 +306,14 @@ TEST_P(Catalog, BitsThatDoNotExistAreRefused)
 {
     FSRef ref = fileRef();
     std::string before = pictureOf(folder().path());
-    for (int bit = 0; bit < 32; ++bit) {
+    for (int bit = 0; bit < 32; ++bit)
+    {
         SCOPED_TRACE(bit);
         FSCatalogInfoBitmap which = FSCatalogInfoBitmap{1} << bit;
         FSCatalogInfo info{};
         EXPECT_EQ(FSGetCatalogInfo(&ref, which, &info, nullptr, nullptr, nullptr), bit < 18 ? noErr : errFSBadInfoBitmap);
-        if ((which & kFSCatInfoSettableInfo) == 0) {
+        if ((which & kFSCatInfoSettableInfo) == 0)
+        {
             EXPECT_EQ(change(ref, which, fullRecord()), errFSBadInfoBitmap);
             EXPECT_EQ(change(ref, which | kFSCatInfoFinderInfo, fullRecord()), errFSBadInfoBitmap);
         }
@@ -319,9 +326,12 @@ TEST_P(Catalog, NothingIsWrittenForDefaultValues)
 {
     fileRef();
     mkdir((folder() / "inner").c_str(), 0755);
-    for (const char *name : {"file", "inner"}) {
+    for (const char *name : {"file", "inner"})
+    {
         FSCatalogInfo defaults{};
-        ASSERT_EQ(change(refAt(folder() / name), finderBits | kFSCatInfoBackupDate | kFSCatInfoNodeFlags | kFSCatInfoTextEncoding, defaults), noErr);
+        ASSERT_EQ(
+            change(refAt(folder() / name), finderBits | kFSCatInfoBackupDate | kFSCatInfoNodeFlags | kFSCatInfoTextEncoding, defaults),
+            noErr);
         EXPECT_TRUE(attributeNames(folder() / name).empty());
     }
     EXPECT_EQ(namesIn(folder().path()), (std::vector<std::string>{"file", "inner"}));
@@ -336,7 +346,8 @@ void readEverything(const FSRef &ref)
     FSRef parent{};
     EXPECT_EQ(FSGetCatalogInfo(&ref, everything, &info, &name, &spec, &parent), noErr);
     pathOf(ref);
-    if ((info.nodeFlags & kFSNodeIsDirectoryMask) == 0) {
+    if ((info.nodeFlags & kFSNodeIsDirectoryMask) == 0)
+    {
         forkOf(ref, false);
         SInt16 fork = 0;
         if (openFork(ref, true, fsRdPerm, fork) == noErr)

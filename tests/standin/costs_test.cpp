@@ -9,8 +9,8 @@ namespace
 
 using namespace support;
 
-constexpr FSCatalogInfoBitmap datesSizesAndNode = kFSCatInfoCreateDate | kFSCatInfoContentMod | kFSCatInfoAttrMod | kFSCatInfoAccessDate | kFSCatInfoDataSizes |
-                                                  kFSCatInfoNodeID;
+constexpr FSCatalogInfoBitmap datesSizesAndNode =
+    kFSCatInfoCreateDate | kFSCatInfoContentMod | kFSCatInfoAttrMod | kFSCatInfoAccessDate | kFSCatInfoDataSizes | kFSCatInfoNodeID;
 constexpr int fileCount = 200;
 
 class Costs : public DiskTest
@@ -21,7 +21,10 @@ protected:
         for (int i = 0; i < fileCount; ++i)
             writeFile(folder() / ("file" + std::to_string(i)), "data");
     }
-    void print(const char *what, double calls) { std::printf("[   cost   ] %-9s %-58s %6.2f\n", nameOfKind(GetParam()).c_str(), what, calls); }
+    void print(const char *what, double calls)
+    {
+        std::printf("[   cost   ] %-9s %-58s %6.2f\n", nameOfKind(GetParam()).c_str(), what, calls);
+    }
 };
 
 // References as a walk gets them: nothing was asked about the objects themselves.
@@ -32,7 +35,8 @@ std::vector<FSRef> listedRefs(const FSRef &folder, FSCatalogInfoBitmap which = k
     FSIterator iterator = nullptr;
     ItemCount count = 0;
     EXPECT_EQ(FSOpenIterator(&folder, kFSIterateFlat, &iterator), noErr);
-    OSErr result = FSGetCatalogInfoBulk(iterator, fileCount, &count, nullptr, which, which ? infos.data() : nullptr, refs.data(), nullptr, nullptr);
+    OSErr result =
+        FSGetCatalogInfoBulk(iterator, fileCount, &count, nullptr, which, which ? infos.data() : nullptr, refs.data(), nullptr, nullptr);
     EXPECT_TRUE(result == noErr || result == errFSNoMoreItems);
     EXPECT_EQ(count, static_cast<ItemCount>(fileCount));
     EXPECT_EQ(FSCloseIterator(iterator), noErr);
@@ -49,7 +53,8 @@ struct Cost
 Cost costOfAsking(const std::vector<FSRef> &refs, FSCatalogInfoBitmap which)
 {
     Cost cost;
-    for (const FSRef &ref : refs) {
+    for (const FSRef &ref : refs)
+    {
         FSCatalogInfo info{};
         std::uint64_t before = standin::systemCallCount();
         EXPECT_EQ(FSGetCatalogInfo(&ref, which, &info, nullptr, nullptr, nullptr), noErr);

@@ -31,7 +31,8 @@ TEST_P(CreateDelete, AFileIsMadeWithItsRecord)
     setFileInfo(info, file);
     info.createDate = dateOfUnix(1000000000, 5);
     std::vector<UniChar> name = units("new file");
-    ASSERT_EQ(FSCreateFileUnicode(&parent, static_cast<UniCharCount>(name.size()), name.data(), kFSCatInfoFinderInfo | kFSCatInfoCreateDate, &info, &made, &spec),
+    ASSERT_EQ(FSCreateFileUnicode(&parent, static_cast<UniCharCount>(name.size()), name.data(), kFSCatInfoFinderInfo | kFSCatInfoCreateDate,
+                                  &info, &made, &spec),
               noErr);
     EXPECT_EQ(pathOf(made), folder() / "new file");
     EXPECT_EQ(typeOf(made), code("TEXT"));
@@ -47,7 +48,9 @@ TEST_P(CreateDelete, AFolderIsMadeAndTellsItsNumber)
     FSRef parent = folderRef(), made{};
     UInt32 number = 0;
     std::vector<UniChar> name = units("new folder");
-    ASSERT_EQ(FSCreateDirectoryUnicode(&parent, static_cast<UniCharCount>(name.size()), name.data(), kFSCatInfoNone, nullptr, &made, nullptr, &number), noErr);
+    ASSERT_EQ(FSCreateDirectoryUnicode(&parent, static_cast<UniCharCount>(name.size()), name.data(), kFSCatInfoNone, nullptr, &made,
+                                       nullptr, &number),
+              noErr);
     EXPECT_EQ(nodeOf(made), number);
     EXPECT_TRUE(infoOf(made).nodeFlags & kFSNodeIsDirectoryMask);
     ASSERT_EQ(makeFile(made, "inside"), noErr);
@@ -59,7 +62,8 @@ TEST_P(CreateDelete, ATakenNameIsRefused)
     writeFile(folder() / "file", "data");
     mkdir((folder() / "inner").c_str(), 0755);
     ASSERT_EQ(symlink("nowhere", (folder() / "link").c_str()), 0);
-    for (std::string name : {"file", "inner", "link"}) {
+    for (std::string name : {"file", "inner", "link"})
+    {
         EXPECT_EQ(makeFile(folderRef(), name), dupFNErr) << name;
         EXPECT_EQ(makeFolder(folderRef(), name), dupFNErr) << name;
     }
@@ -129,11 +133,13 @@ TEST_P(CreateDelete, LeftoversGoWithTheirFolder)
 
 TEST_P(CreateDelete, TheSidecarGoesWithItsFile)
 {
-    for (bool forked : {false, true}) {
+    for (bool forked : {false, true})
+    {
         FSRef ref{};
         ASSERT_EQ(makeFile(folderRef(), "file", &ref), noErr);
         ASSERT_EQ(setType(ref, code("TEXT"), 0), noErr);
-        if (forked) {
+        if (forked)
+        {
             ASSERT_EQ(writeFork(ref, true, {1, 2, 3}), noErr);
         }
         ASSERT_EQ(FSDeleteObject(&ref), noErr);

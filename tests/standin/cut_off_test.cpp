@@ -89,9 +89,12 @@ struct SystemCall
 bool changesTheDisk(const SystemCall &call)
 {
     static const std::set<std::uint64_t> changing{
-        SYS_write,     SYS_pwrite64, SYS_pwritev,   SYS_ftruncate, SYS_fallocate, SYS_linkat,       SYS_renameat,  SYS_renameat2,       SYS_unlinkat,
-        SYS_mkdirat,   SYS_setxattr, SYS_lsetxattr, SYS_fsetxattr, SYS_fchmodat,  SYS_removexattr,  SYS_fchownat,  SYS_copy_file_range, SYS_lremovexattr,
-        SYS_utimensat, SYS_fchmod,   SYS_fchown,    SYS_symlinkat, SYS_ioctl,     SYS_fremovexattr, 463 /* setxattrat */, 466 /* removexattrat */};
+        SYS_write,    SYS_pwrite64,        SYS_pwritev,      SYS_ftruncate,    SYS_fallocate,
+        SYS_linkat,   SYS_renameat,        SYS_renameat2,    SYS_unlinkat,     SYS_mkdirat,
+        SYS_setxattr, SYS_lsetxattr,       SYS_fsetxattr,    SYS_fchmodat,     SYS_removexattr,
+        SYS_fchownat, SYS_copy_file_range, SYS_lremovexattr, SYS_utimensat,    SYS_fchmod,
+        SYS_fchown,   SYS_symlinkat,       SYS_ioctl,        SYS_fremovexattr, 463 /* setxattrat */,
+        466 /* removexattrat */};
     bool opensNew = call.number == SYS_openat && (call.arguments[2] & (O_CREAT | (O_TMPFILE & ~O_DIRECTORY)));
     return opensNew || changing.count(call.number) > 0;
 }
@@ -117,12 +120,13 @@ End runUpTo(pid_t process, int nth)
     if (waitpid(process, &status, __WALL) != process || !WIFSTOPPED(status))
         return End::failed;
     ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    while (nextStop(process, status)) {
+    while (nextStop(process, status))
+    {
         SystemCall call{};
         if (WSTOPSIG(status) == SIGSTOP || WSTOPSIG(status) == SIGUSR1)
             return WSTOPSIG(status) == SIGSTOP ? End::done : End::failed;
-        bool entering = WSTOPSIG(status) == (SIGTRAP | 0x80) && ptrace(static_cast<__ptrace_request>(PTRACE_GET_SYSCALL_INFO), process, sizeof call, &call) > 0 &&
-                        call.kind == 1;
+        bool entering = WSTOPSIG(status) == (SIGTRAP | 0x80) &&
+                        ptrace(static_cast<__ptrace_request>(PTRACE_GET_SYSCALL_INFO), process, sizeof call, &call) > 0 && call.kind == 1;
         if (entering && changesTheDisk(call) && --nth == 0)
             return End::cutOff;
     }
@@ -162,7 +166,8 @@ void CutOff::makeScene(int round)
 {
     for (std::string part : {"", "/one", "/two"})
         mkdir(place(round, part).c_str(), 0755);
-    for (std::string name : {"first", "second"}) {
+    for (std::string name : {"first", "second"})
+    {
         writeFile(place(round, "/one/" + name), name);
         FSRef ref = refAt(place(round, "/one/" + name));
         ASSERT_EQ(writeFork(ref, true, forkOfFile(name)), noErr);
@@ -198,7 +203,8 @@ void CutOff::expectBeforeOrAfter(int round)
     int firsts = 0;
     std::set<Bytes> contents;
     for (std::string name : {"/one/first", "/one/renamed", "/two/first"})
-        if (exists(place(round, name))) {
+        if (exists(place(round, name)))
+        {
             ++firsts;
             expectWhole(place(round, name), code("OLD1"));
             contents.insert(readFile(place(round, name)));
@@ -213,7 +219,8 @@ void CutOff::expectBeforeOrAfter(int round)
     if (firsts == 0)   // a deletion removes the file first: its sidecar may still be there, a file of its own now
         expected += exists(place(round, "/one/._first"));
     EXPECT_EQ(listed(round), expected) << runShell("ls -ali '" + place(round, "") + "'/*").output;
-    if (created) {
+    if (created)
+    {
         EXPECT_EQ(+infoOf(refAt(place(round, "/two/created"))).rsrcLogicalSize, 0u);
     }
 }
@@ -222,7 +229,8 @@ void CutOff::expectBeforeOrAfter(int round)
 void CutOff::clearAway(int round)
 {
     for (std::string name : {"/one/first", "/one/renamed", "/two/first", "/one/second", "/two/created"})
-        if (exists(place(round, name))) {
+        if (exists(place(round, name)))
+        {
             FSRef ref = refAt(place(round, name));
             UInt32 before = listed(round);
             EXPECT_EQ(setLock(ref, false), noErr);
@@ -235,7 +243,8 @@ void CutOff::clearAway(int round)
             unlink(place(round, "/two/" + name).c_str());
     if (action() == "Delete")
         unlink(place(round, "/one/._first").c_str());
-    for (std::string part : {"/one", "/two"}) {
+    for (std::string part : {"/one", "/two"})
+    {
         FSRef ref = refAt(place(round, part));
         EXPECT_EQ(FSDeleteObject(&ref), noErr) << part << testing::PrintToString(namesIn(place(round, part)));
     }
@@ -245,7 +254,8 @@ TEST_P(CutOff, LeavesAllAsBeforeOrAsAfter)
 {
     End end = End::cutOff;
     int nth = 0;
-    while (end == End::cutOff && !HasFailure()) {
+    while (end == End::cutOff && !HasFailure())
+    {
         SCOPED_TRACE(testing::Message() << "cut off before change " << ++nth);
         makeScene(nth);
         Running process = startRole("actsOnceUnderATracer", {place(nth, ""), action()});

@@ -58,7 +58,8 @@ void mountImage(Disk &disk, const char *type, int megabytes, const std::string &
 {
     std::string image = disk.root + ".image";
     std::string program = formatLine.substr(0, formatLine.find(' '));
-    if (!programExists(program)) {
+    if (!programExists(program))
+    {
         disk.problem = "no program " + program;
         return;
     }
@@ -75,7 +76,8 @@ void mountImage(Disk &disk, const char *type, int megabytes, const std::string &
 void mountOverlay(Disk &disk)
 {
     const Disk &below = diskOf(DiskKind::tmpfs);
-    if (!below.problem.empty()) {
+    if (!below.problem.empty())
+    {
         disk.problem = below.problem;
         return;
     }
@@ -92,7 +94,8 @@ void mountOverlay(Disk &disk)
 
 void mountDisk(Disk &disk)
 {
-    switch (disk.kind) {
+    switch (disk.kind)
+    {
     case DiskKind::plain: return;
     case DiskKind::tmpfs: return mountAt(disk, "tmpfs", "tmpfs", "mode=755,size=64m");
     case DiskKind::ramfs: return mountAt(disk, "ramfs", "ramfs", "mode=755");
@@ -219,11 +222,13 @@ TemporaryFolder::~TemporaryFolder()
 void TemporaryFolder::checkLeftovers() const
 {
     std::vector<std::string> directories{path_};
-    while (!directories.empty()) {
+    while (!directories.empty())
+    {
         std::string directory = directories.back();
         directories.pop_back();
         std::vector<std::string> names = namesIn(directory);
-        for (const std::string &name : names) {
+        for (const std::string &name : names)
+        {
             EXPECT_FALSE(name.starts_with(".zerb-")) << "a hidden temporary was left: " << directory << "/" << name;
             EXPECT_FALSE(isOrphan(name, names) && allowed_.count(name) == 0) << "a sidecar has lost its file: " << directory << "/" << name;
             struct stat record;

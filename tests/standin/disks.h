@@ -21,14 +21,14 @@ Bytes bytesOf(std::string_view text);
 
 enum class DiskKind
 {
-    plain,        // wherever temporary files live on this machine
+    plain,   // wherever temporary files live on this machine
     tmpfs,
-    ramfs,        // no extended attributes, no birth times
+    ramfs,   // no extended attributes, no birth times
     ext4,
-    ext4Small,    // 128-byte inodes: whole seconds, no birth times
+    ext4Small,   // 128-byte inodes: whole seconds, no birth times
     xfs,
     btrfs,
-    overlay,      // a first write to a file of the lower layer makes a new one in the upper
+    overlay,   // a first write to a file of the lower layer makes a new one in the upper
 };
 
 // What a mounted disk can do is found out by trying, not taken from its kind.
@@ -40,7 +40,7 @@ struct Disk
     bool hasAttributes = false;
     bool hasBirthTimes = false;
     bool hasFineDates = false;
-    std::string lower;     // overlay only: its lower layer, which holds the files first, second, third and fourth
+    std::string lower;   // overlay only: its lower layer, which holds the files first, second, third and fourth
 };
 
 const Disk &diskOf(DiskKind kind);   // made at the first call
@@ -52,8 +52,8 @@ void PrintTo(DiskKind kind, std::ostream *stream);
 std::string diskName(const testing::TestParamInfo<DiskKind> &row);
 
 // For the test program's main().
-std::string makeWorkFolder();             // everything of this program lies beneath it
-void takeOwnMounts();                     // a mount namespace; an ordinary user gets a user namespace with it if the machine allows
+std::string makeWorkFolder();               // everything of this program lies beneath it
+void takeOwnMounts();                       // a mount namespace; an ordinary user gets a user namespace with it if the machine allows
 void removeTree(const std::string &path);   // with everything beneath it, on this disk alone
 
 // A directory of its own on a disk, removed with the object. The removal makes the test fail if something of the layer is left behind:
@@ -111,14 +111,13 @@ private:
     std::optional<TemporaryFolder> folder_;
 };
 
-#define ON_EVERY_DISK(suite) \
-    INSTANTIATE_TEST_SUITE_P(EveryDisk, suite, testing::ValuesIn(support::everyKind()), support::diskName)
+#define ON_EVERY_DISK(suite) INSTANTIATE_TEST_SUITE_P(EveryDisk, suite, testing::ValuesIn(support::everyKind()), support::diskName)
 
 // The layer's own view is not asked by any of these.
 void writeFile(const std::string &path, const Bytes &bytes = {});
 void writeFile(const std::string &path, std::string_view text);
 Bytes readFile(const std::string &path);
-bool exists(const std::string &path);                      // a symbolic link counts itself
+bool exists(const std::string &path);                             // a symbolic link counts itself
 std::vector<std::string> namesIn(const std::string &directory);   // sorted, without . and ..
 std::optional<Bytes> attribute(const std::string &path, const std::string &name);
 void setAttribute(const std::string &path, const std::string &name, const Bytes &value);

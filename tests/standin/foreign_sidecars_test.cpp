@@ -46,7 +46,8 @@ Entry entryOf(const Bytes &sidecar, std::uint32_t id)
 
 Bytes piece(const Bytes &bytes, std::size_t at, std::size_t length)
 {
-    if (at + length > bytes.size()) {
+    if (at + length > bytes.size())
+    {
         ADD_FAILURE() << "past the end";
         return {};
     }
@@ -76,7 +77,8 @@ TEST_P(ForeignSidecars, AFileServersIsRead)
 
 TEST_P(ForeignSidecars, AChangeOfTypeLeavesTheRestAlone)
 {
-    for (std::string name : {"netatalk3-picture.adouble", "macos-attributes.adouble"}) {
+    for (std::string name : {"netatalk3-picture.adouble", "macos-attributes.adouble"})
+    {
         SCOPED_TRACE(name);
         Bytes sidecar = sample(name);
         FSRef ref = withSidecar(sidecar, name);
@@ -95,7 +97,8 @@ Bytes attributeValue(const Bytes &sidecar, const std::string &wanted)
     std::size_t header = entryOf(sidecar, 9).offset + 34, at = header + 36;
     EXPECT_EQ(piece(sidecar, header, 4), bytesOf("ATTR"));
     std::size_t count = big32(sidecar, header + 32) & 0xFFFF;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
+    {
         std::size_t nameLength = sidecar.at(at + 10);
         Bytes name = piece(sidecar, at + 11, nameLength - 1);
         if (name == bytesOf(wanted))
@@ -163,15 +166,16 @@ TEST_P(ForeignSidecars, EveryOrderAndVersionIsRead)
     std::copy_n("TEXTttxt", 8, info.begin());
     std::vector<Bytes> sidecars{
         sidecarOf({{2, 82, fork}, {9, 50, info}}),
-        sidecarOf({{2, 50, fork}, {9, 127, info}}),                        // the fork first
-        sidecarOf({{9, 500, info}, {2, 5000, fork}}),                      // holes
+        sidecarOf({{2, 50, fork}, {9, 127, info}}),     // the fork first
+        sidecarOf({{9, 500, info}, {2, 5000, fork}}),   // holes
         sidecarOf({{9, 74, info}, {4, 106, {}}, {15, 106, {1}}, {2, 107, fork}}),
-        sidecarOf({{9, 50, info}, {2, 82, fork}}, ""),                     // filler of zeros
+        sidecarOf({{9, 50, info}, {2, 82, fork}}, ""),   // filler of zeros
     };
     sidecars.push_back(sidecars.front());
     sidecars.back()[5] = 1;   // version 1
     int number = 0;
-    for (const Bytes &sidecar : sidecars) {
+    for (const Bytes &sidecar : sidecars)
+    {
         SCOPED_TRACE(number);
         FSRef ref = withSidecar(sidecar, "file" + std::to_string(number++));
         EXPECT_EQ(typeOf(ref), code("TEXT"));
@@ -229,7 +233,8 @@ std::vector<Broken> brokenSidecars()
 // Bytes are never lost: they are still under some name of the folder.
 bool stillSomewhere(const std::string &folder, const Bytes &bytes)
 {
-    for (const std::string &name : namesIn(folder)) {
+    for (const std::string &name : namesIn(folder))
+    {
         struct stat record;
         if (lstat((folder + "/" + name).c_str(), &record) == 0 && S_ISREG(record.st_mode) && readFile(folder + "/" + name) == bytes)
             return true;
@@ -239,7 +244,8 @@ bool stillSomewhere(const std::string &folder, const Bytes &bytes)
 
 TEST_P(ForeignSidecars, BrokenOnesHideNothingAndAreNotDestroyed)
 {
-    for (const Broken &broken : brokenSidecars()) {
+    for (const Broken &broken : brokenSidecars())
+    {
         SCOPED_TRACE(broken.name);
         std::string place = folder() / broken.name;
         mkdir(place.c_str(), 0755);
@@ -263,7 +269,8 @@ TEST_P(ForeignSidecars, BrokenOnesHideNothingAndAreNotDestroyed)
 
 TEST_P(ForeignSidecars, BrokenOnesTravelWithTheirFile)
 {
-    for (const Broken &broken : brokenSidecars()) {
+    for (const Broken &broken : brokenSidecars())
+    {
         SCOPED_TRACE(broken.name);
         FSRef ref = withSidecar(broken.bytes);
         ASSERT_EQ(rename(ref, "renamed"), noErr);
@@ -335,7 +342,8 @@ TEST_P(NoSidecars, ASymbolicLinkIsNotFollowed)
     FSRef ref = refAt(folder() / "file");
     EXPECT_EQ(+infoOf(ref, kFSCatInfoDataSizes).dataLogicalSize, 4u);
     SInt16 fork = 0;
-    if (openFork(ref, true, fsRdPerm, fork) == noErr) {
+    if (openFork(ref, true, fsRdPerm, fork) == noErr)
+    {
         SInt64 size = 0;
         FSGetForkSize(fork, &size);   // a size of none, or an error
         EXPECT_EQ(size, 0);

@@ -25,7 +25,8 @@ protected:
         int ballast = open((folder() / "ballast").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
         ASSERT_GE(ballast, 0);
         std::vector<char> piece(1 << 20, 'x');
-        for (std::size_t size = piece.size(); size > 0;) {
+        for (std::size_t size = piece.size(); size > 0;)
+        {
             ssize_t written = write(ballast, piece.data(), size);
             if (written < 0 && errno == ENOSPC)
                 size /= 2;
@@ -66,7 +67,8 @@ TEST_P(FullDisk, MetadataAreTheOldOrTheNew)
     FSRef typed = fileRef("typed"), untyped = fileRef("untyped");
     ASSERT_EQ(setType(typed, code("TEXT"), code("ttxt")), noErr);
     fill();
-    OSErr first = setType(typed, code("PICT"), code("ttxt")), second = setType(untyped, code("PICT"), code("ttxt")), lock = setLock(untyped, true);
+    OSErr first = setType(typed, code("PICT"), code("ttxt")), second = setType(untyped, code("PICT"), code("ttxt")),
+          lock = setLock(untyped, true);
     EXPECT_TRUE(doneOrFull(first)) << first;
     EXPECT_TRUE(doneOrFull(second)) << second;
     EXPECT_TRUE(doneOrFull(lock)) << lock;
@@ -92,6 +94,7 @@ TEST_P(FullDisk, RenamesMovesAndDeletionsLoseNothing)
     makeRoom();
 }
 
-INSTANTIATE_TEST_SUITE_P(SomeDisks, FullDisk, testing::Values(DiskKind::tmpfs, DiskKind::ext4, DiskKind::ext4Small, DiskKind::xfs, DiskKind::overlay), diskName);
+INSTANTIATE_TEST_SUITE_P(SomeDisks, FullDisk,
+                         testing::Values(DiskKind::tmpfs, DiskKind::ext4, DiskKind::ext4Small, DiskKind::xfs, DiskKind::overlay), diskName);
 
 }   // namespace

@@ -43,13 +43,15 @@ const OSType types[] = {code("AAAA"), code("BBBB"), code("CCCC")};
 OSErr changeOnce(FSRef &ref, const FSRef folders[2], unsigned choice, int number)
 {
     std::string name = "file" + std::to_string(number);
-    switch (choice % 6) {
+    switch (choice % 6)
+    {
     case 0: return setType(ref, types[choice % 3], types[choice % 3]);
     case 1: setLock(ref, true); return setLock(ref, false);
     case 2: return rename(ref, name);
     case 3: return rename(ref, name + "-other");
     case 4: return move(ref, folders[choice / 6 % 2]);
-    default: {
+    default:
+    {
         FSCatalogInfo info{};
         info.createDate = dateOfUnix(1000000000, static_cast<UInt16>(choice));
         return change(ref, kFSCatInfoCreateDate, info);
@@ -66,12 +68,14 @@ bool mayFail(unsigned choice)
 const Role changesForEver("changesForEver", [](const RoleArguments &arguments) {
     std::mt19937 random(static_cast<unsigned>(std::stoul(arguments[1])));
     FSRef folders[2] = {refAt(arguments[0] + "/one"), refAt(arguments[0] + "/two")}, refs[fileCount];
-    for (int number = 0; number < fileCount; ++number) {
+    for (int number = 0; number < fileCount; ++number)
+    {
         refs[number] = refAt(placeOf(arguments[0], number));
         EXPECT_EQ(setLock(refs[number], false), noErr);
     }
     ssize_t told = write(STDOUT_FILENO, "!", 1);   // from here on the clock of the kill runs
-    while (told == 1 && !testing::Test::HasFailure()) {
+    while (told == 1 && !testing::Test::HasFailure())
+    {
         unsigned choice = static_cast<unsigned>(random() % 600);
         int number = static_cast<int>(random() % fileCount);
         OSErr result = changeOnce(refs[number], folders, choice, number);
@@ -86,7 +90,8 @@ protected:
     {
         for (const char *name : {"one", "two"})
             mkdir((folder() / name).c_str(), 0755);
-        for (int number = 0; number < fileCount; ++number) {
+        for (int number = 0; number < fileCount; ++number)
+        {
             std::string path = placesOf(folder().path(), number).front();
             writeFile(path, "data" + std::to_string(number));
             FSRef ref = refAt(path);
@@ -97,7 +102,8 @@ protected:
 
     void expectWhole()
     {
-        for (int number = 0; number < fileCount; ++number) {
+        for (int number = 0; number < fileCount; ++number)
+        {
             SCOPED_TRACE(testing::Message() << "file " << number);
             std::string place = placeOf(folder().path(), number);
             ASSERT_FALSE(place.empty());
@@ -121,12 +127,14 @@ protected:
 
     void deleteEverything()
     {
-        for (int number = 0; number < fileCount; ++number) {
+        for (int number = 0; number < fileCount; ++number)
+        {
             FSRef ref = refAt(placeOf(folder().path(), number));
             EXPECT_EQ(setLock(ref, false), noErr);
             EXPECT_EQ(FSDeleteObject(&ref), noErr);
         }
-        for (std::string part : {"one", "two"}) {
+        for (std::string part : {"one", "two"})
+        {
             FSRef ref = refAt(folder() / part);
             EXPECT_EQ(+infoOf(ref, kFSCatInfoValence).valence, 0u);
             EXPECT_EQ(FSDeleteObject(&ref), noErr) << testing::PrintToString(namesIn(folder() / part));
@@ -138,7 +146,8 @@ TEST_P(Kills, LeaveEveryFileWhole)
 {
     makeFiles();
     std::mt19937 random(1 + static_cast<unsigned>(GetParam()));
-    for (int kill = 0; kill < killCount && !HasFailure(); ++kill) {
+    for (int kill = 0; kill < killCount && !HasFailure(); ++kill)
+    {
         SCOPED_TRACE(testing::Message() << "kill " << kill);
         Running process = startRole("changesForEver", {folder().path(), std::to_string(random())});
         process.waitForOutput();

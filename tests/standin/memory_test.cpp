@@ -123,8 +123,11 @@ TEST(PtrAndHand, RefusalsLeaveTheHandleUnchanged)
         const void *source;
         long size;
         OSErr result;
-    } const rows[] = {{"x", -1, paramErr}, {"x", LONG_MIN, paramErr}, {nullptr, 1, paramErr},
-                      {"x", LONG_MAX, memFullErr}, {"x", LONG_MAX - 4, memFullErr}};
+    } const rows[] = {{"x", -1, paramErr},
+                      {"x", LONG_MIN, paramErr},
+                      {nullptr, 1, paramErr},
+                      {"x", LONG_MAX, memFullErr},
+                      {"x", LONG_MAX - 4, memFullErr}};
     for (const auto &row : rows)
     {
         EXPECT_EQ(PtrAndHand(row.source, handle, row.size), row.result) << row.size;
@@ -206,12 +209,11 @@ TEST(ThreadsInMemory, HaveTheirOwnMemError)
 {
     EXPECT_EQ(NewPtr(-1), nullptr);
     OSErr atStart = paramErr, afterFailure = noErr;
-    std::thread other([&]
-                      {
-                          atStart = MemError();
-                          GetHandleSize(nullptr);
-                          afterFailure = MemError();
-                      });
+    std::thread other([&] {
+        atStart = MemError();
+        GetHandleSize(nullptr);
+        afterFailure = MemError();
+    });
     other.join();
     EXPECT_EQ(atStart, noErr);
     EXPECT_EQ(afterFailure, nilHandleErr);
@@ -223,16 +225,15 @@ TEST(ThreadsInMemory, AllocateSideBySide)
     std::vector<std::thread> threads;
     std::vector<int> failures(8);
     for (int &failed : failures)
-        threads.emplace_back([&failed]
-                             {
-                                 for (int round = 0; round < 2000; ++round)
-                                 {
-                                     Handle handle = NewHandle(round % 50);
-                                     failed += PtrAndHand(&round, handle, sizeof round) != noErr || MemError() != noErr;
-                                     failed += GetHandleSize(handle) != round % 50 + static_cast<Size>(sizeof round);
-                                     DisposeHandle(handle);
-                                 }
-                             });
+        threads.emplace_back([&failed] {
+            for (int round = 0; round < 2000; ++round)
+            {
+                Handle handle = NewHandle(round % 50);
+                failed += PtrAndHand(&round, handle, sizeof round) != noErr || MemError() != noErr;
+                failed += GetHandleSize(handle) != round % 50 + static_cast<Size>(sizeof round);
+                DisposeHandle(handle);
+            }
+        });
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(failures, std::vector<int>(8));

@@ -34,7 +34,7 @@ Bytes sharedBytes(const Bytes &finderInfo, const Bytes &dates, std::uint16_t loc
     appendBig(bytes, 0x00020000, 4);
     bytes.resize(24);
     appendBig(bytes, 8, 2);
-    const std::uint32_t table[8][3] = {{4, 154, 0},           {8, 354, 16},          {9, 122, 32},          {14, 370, 4},
+    const std::uint32_t table[8][3] = {{4, 154, 0},          {8, 354, 16},         {9, 122, 32},         {14, 370, 4},
                                        {0x80444556, 374, 0}, {0x80494E4F, 382, 0}, {0x8053594E, 390, 0}, {0x8053567E, 398, 0}};
     for (const auto &row : table)
         for (std::uint32_t value : row)
@@ -102,12 +102,16 @@ TEST_P(Metadata, FinderInformationHasThePublishedForm)
 {
     FSRef ref = fileRef();
     ASSERT_EQ(change(ref, finderBits, fileRecord()), noErr);
-    if (disk().hasAttributes) {
+    if (disk().hasAttributes)
+    {
         Bytes blob = attribute(folder() / "file", sharedName).value_or(Bytes{});
         EXPECT_EQ(withoutDates(blob), withoutDates(sharedBytes(fileRecordOnDisk(), unknownDates(), 0)));
-        EXPECT_EQ(attributeNames(folder() / "file"), std::vector<std::string>{sharedName}) << "our own attribute is only for what this one has no room for";
+        EXPECT_EQ(attributeNames(folder() / "file"), std::vector<std::string>{sharedName})
+            << "our own attribute is only for what this one has no room for";
         EXPECT_FALSE(exists(folder() / "._file"));
-    } else {
+    }
+    else
+    {
         Bytes sidecar = readFile(folder() / "._file");
         ASSERT_GE(sidecar.size(), 82u);
         Bytes info = fileRecordOnDisk();
@@ -160,7 +164,8 @@ TEST_P(Metadata, DatesLieInOurOwnAttributeAndInTheSharedOne)
     Bytes own = bytesOf("ZERB");
     appendBig(own, 0x010C0000, 4);   // version 1, flags for both dates, reserved
     appendBig(own, 0, 4);            // no hint
-    for (const UTCDateTime &date : {info.createDate, info.backupDate}) {
+    for (const UTCDateTime &date : {info.createDate, info.backupDate})
+    {
         appendBig(own, secondsOf(date), 6);
         appendBig(own, date.fraction, 2);
     }
@@ -214,7 +219,8 @@ TEST_P(Metadata, RubbishInTheAttributesIsSurvived)
         GTEST_SKIP() << "no attributes on this disk";
     FSRef ref = fileRef();
     Bytes good = sharedBytes(fileRecordOnDisk(), unknownDates(), 0);
-    for (std::size_t size : {0, 1, 25, 26, 121, 122, 153, 401}) {
+    for (std::size_t size : {0, 1, 25, 26, 121, 122, 153, 401})
+    {
         setAttribute(folder() / "file", sharedName, Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
         setAttribute(folder() / "file", ownName, Bytes(size, 0xFF));
         FSCatalogInfo info{};
@@ -230,7 +236,8 @@ TEST_P(Metadata, TheLockIsKeptWhereAListingShowsIt)
     EXPECT_TRUE(isLocked(ref));
     EXPECT_TRUE(isLocked(refAt(folder() / "file")));
     Bytes sidecar = readFile(folder() / "._file");
-    if (disk().hasAttributes) {
+    if (disk().hasAttributes)
+    {
         Bytes expected = plainSidecar({});
         ASSERT_EQ(sidecar.size(), 82u);
         std::copy_n(sidecar.begin() + 8, 16, expected.begin() + 8);   // the filler says who wrote it
@@ -242,7 +249,8 @@ TEST_P(Metadata, TheLockIsKeptWhereAListingShowsIt)
 
     ASSERT_EQ(setLock(ref, false), noErr);
     EXPECT_FALSE(isLocked(refAt(folder() / "file")));
-    if (std::optional<Bytes> blob = attribute(folder() / "file", sharedName)) {
+    if (std::optional<Bytes> blob = attribute(folder() / "file", sharedName))
+    {
         EXPECT_EQ(big32(*blob, 370), 0u);
     }
 }
@@ -262,7 +270,8 @@ TEST_P(Metadata, ALockedFolderIsALockedObject)
 
 TEST_P(Metadata, ALockThatOthersWroteIsALock)
 {
-    if (disk().hasAttributes) {
+    if (disk().hasAttributes)
+    {
         FSRef ref = fileRef("byAttribute");
         setAttribute(folder() / "byAttribute", sharedName, sharedBytes(Bytes(32), unknownDates(), 0x01A0));
         EXPECT_TRUE(isLocked(ref));
@@ -289,8 +298,8 @@ TEST_P(Metadata, LockedObjectsRefuseEveryChange)
     EXPECT_EQ(FSDeleteObject(&ref), fLckdErr);
     EXPECT_EQ(rename(ref, "renamed"), fLckdErr);
     EXPECT_EQ(move(ref, inner), fLckdErr);
-    for (FSCatalogInfoBitmap field : {kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoBackupDate, kFSCatInfoPermissions,
-                                      kFSCatInfoFinderInfo, kFSCatInfoFinderXInfo})
+    for (FSCatalogInfoBitmap field : {kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoBackupDate,
+                                      kFSCatInfoPermissions, kFSCatInfoFinderInfo, kFSCatInfoFinderXInfo})
         EXPECT_EQ(change(ref, field, fileRecord()), fLckdErr) << field;
     SInt16 fork = 0;
     for (bool resource : {false, true})
@@ -306,12 +315,14 @@ TEST_P(Metadata, AForkLiesInASidecarOfTheCommonForm)
     Bytes fork = bytesOf("resource fork bytes");
     ASSERT_EQ(writeFork(ref, true, fork), noErr);
     Bytes sidecar = readFile(folder() / "._file"), expected = plainSidecar(fork);
-    if (disk().hasAttributes) {
+    if (disk().hasAttributes)
+    {
         ASSERT_EQ(sidecar.size(), expected.size());
         std::copy_n(sidecar.begin() + 8, 16, expected.begin() + 8);   // the filler says who wrote it
         EXPECT_EQ(sidecar, expected);
     }
-    EXPECT_EQ(Bytes(sidecar.end() - static_cast<std::ptrdiff_t>(fork.size()), sidecar.end()), fork) << "the fork comes last, because it grows";
+    EXPECT_EQ(Bytes(sidecar.end() - static_cast<std::ptrdiff_t>(fork.size()), sidecar.end()), fork)
+        << "the fork comes last, because it grows";
     EXPECT_EQ(forkOf(refAt(folder() / "file")), fork);
 }
 

@@ -93,50 +93,46 @@ TEST_P(DiskNames, HaveThisNameAndComeBack)
     expectItComesBack(GetParam().diskName);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, DiskNames,
-    testing::Values(DiskNameCase{"Ascii", "Read Me.txt", u"Read Me.txt"},
-                    DiskNameCase{"ColonIsASlash", "in:out", u"in/out"},
-                    DiskNameCase{"Return", "Icon\r", u"Icon\r"},
-                    DiskNameCase{"TwoBytes", "caf\xC3\xA9", u"caf\u00E9"},
-                    DiskNameCase{"DecomposedStays", "cafe\xCC\x81", u"cafe\u0301"},
-                    DiskNameCase{"ThreeBytes", "\xE4\xB8\xAD", u"\u4E2D"},
-                    DiskNameCase{"FourBytes", "\xF0\x9F\x98\x80", u"\U0001F600"},
-                    DiskNameCase{"LastCharacter", "\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
-                    DiskNameCase{"NoCharacter", "\xEF\xBF\xBF\xEF\xBB\xBF", units({0xFFFF, 0xFEFF})},
-                    DiskNameCase{"Latin1", "caf\xE9", units({'c', 'a', 'f', 0xDCE9})},
-                    DiskNameCase{"StrayTrailByte", "\x80x", units({0xDC80, 'x'})},
-                    DiskNameCase{"CutShort", "\xE4\xB8", units({0xDCE4, 0xDCB8})},
-                    DiskNameCase{"CutShortByText", "\xE4\xB8z", units({0xDCE4, 0xDCB8, 'z'})},
-                    DiskNameCase{"OverlongTwo", "\xC1\x81", units({0xDCC1, 0xDC81})},
-                    DiskNameCase{"OverlongNul", "\xC0\x80", units({0xDCC0, 0xDC80})},
-                    DiskNameCase{"OverlongThree", "\xE0\x9F\xBF", units({0xDCE0, 0xDC9F, 0xDCBF})},
-                    DiskNameCase{"OverlongSlash", "\xE0\x80\xAF", units({0xDCE0, 0xDC80, 0xDCAF})},
-                    DiskNameCase{"OverlongFour", "\xF0\x8F\xBF\xBF", units({0xDCF0, 0xDC8F, 0xDCBF, 0xDCBF})},
-                    DiskNameCase{"BehindTheLast", "\xF4\x90\x80\x80", units({0xDCF4, 0xDC90, 0xDC80, 0xDC80})},
-                    DiskNameCase{"LeadThatNeverIs", "\xF5\xFF\xFE", units({0xDCF5, 0xDCFF, 0xDCFE})}),
-    [](const testing::TestParamInfo<DiskNameCase> &row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Rows, DiskNames,
+                         testing::Values(DiskNameCase{"Ascii", "Read Me.txt", u"Read Me.txt"},
+                                         DiskNameCase{"ColonIsASlash", "in:out", u"in/out"}, DiskNameCase{"Return", "Icon\r", u"Icon\r"},
+                                         DiskNameCase{"TwoBytes", "caf\xC3\xA9", u"caf\u00E9"},
+                                         DiskNameCase{"DecomposedStays", "cafe\xCC\x81", u"cafe\u0301"},
+                                         DiskNameCase{"ThreeBytes", "\xE4\xB8\xAD", u"\u4E2D"},
+                                         DiskNameCase{"FourBytes", "\xF0\x9F\x98\x80", u"\U0001F600"},
+                                         DiskNameCase{"LastCharacter", "\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
+                                         DiskNameCase{"NoCharacter", "\xEF\xBF\xBF\xEF\xBB\xBF", units({0xFFFF, 0xFEFF})},
+                                         DiskNameCase{"Latin1", "caf\xE9", units({'c', 'a', 'f', 0xDCE9})},
+                                         DiskNameCase{"StrayTrailByte", "\x80x", units({0xDC80, 'x'})},
+                                         DiskNameCase{"CutShort", "\xE4\xB8", units({0xDCE4, 0xDCB8})},
+                                         DiskNameCase{"CutShortByText", "\xE4\xB8z", units({0xDCE4, 0xDCB8, 'z'})},
+                                         DiskNameCase{"OverlongTwo", "\xC1\x81", units({0xDCC1, 0xDC81})},
+                                         DiskNameCase{"OverlongNul", "\xC0\x80", units({0xDCC0, 0xDC80})},
+                                         DiskNameCase{"OverlongThree", "\xE0\x9F\xBF", units({0xDCE0, 0xDC9F, 0xDCBF})},
+                                         DiskNameCase{"OverlongSlash", "\xE0\x80\xAF", units({0xDCE0, 0xDC80, 0xDCAF})},
+                                         DiskNameCase{"OverlongFour", "\xF0\x8F\xBF\xBF", units({0xDCF0, 0xDC8F, 0xDCBF, 0xDCBF})},
+                                         DiskNameCase{"BehindTheLast", "\xF4\x90\x80\x80", units({0xDCF4, 0xDC90, 0xDC80, 0xDC80})},
+                                         DiskNameCase{"LeadThatNeverIs", "\xF5\xFF\xFE", units({0xDCF5, 0xDCFF, 0xDCFE})}),
+                         [](const testing::TestParamInfo<DiskNameCase> &row) { return row.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     Surrogates, DiskNames,
-    testing::Values(DiskNameCase{"Leading", "\xED\xA0\x80", units({0xD800})},
-                    DiskNameCase{"LastLeading", "\xED\xAF\xBFx", units({0xDBFF, 'x'})},
-                    DiskNameCase{"Trailing", "\xED\xB0\x80", units({0xDC00})},
-                    DiskNameCase{"BelowRawUnits", "\xED\xB1\xBF", units({0xDC7F})},
-                    DiskNameCase{"FirstRawUnit", "\xED\xB2\x80", units({0xDCED, 0xDCB2, 0xDC80})},
-                    DiskNameCase{"LastRawUnit", "\xED\xB3\xBF", units({0xDCED, 0xDCB3, 0xDCBF})},
-                    DiskNameCase{"AboveRawUnits", "\xED\xB4\x80", units({0xDD00})},
-                    DiskNameCase{"LastTrailing", "\xED\xBF\xBF", units({0xDFFF})},
-                    DiskNameCase{"TrailingThenLeading", "\xED\xB0\x80\xED\xA0\x80", units({0xDC00, 0xD800})},
-                    DiskNameCase{"TwoLeading", "\xED\xA0\x80\xED\xA0\x81", units({0xD800, 0xD801})},
-                    DiskNameCase{"Pair", "\xED\xA0\xBD\xED\xB8\x80", units({0xDCED, 0xDCA0, 0xDCBD, 0xDE00})},
-                    DiskNameCase{"LeadingBeforeARawByte", "\xED\xA0\x80\xFF", units({0xDCED, 0xDCA0, 0xDC80, 0xDCFF})},
-                    DiskNameCase{"LeadingBeforeARawUnit", "\xED\xA0\x80\xED\xB2\x80", units({0xDCED, 0xDCA0, 0xDC80, 0xDCED, 0xDCB2, 0xDC80})},
-                    DiskNameCase{"RunOfLeadingBeforeATrailing", "\xED\xA0\x80\xED\xAF\xBF\xED\xBF\xBF",
-                                 units({0xDCED, 0xDCA0, 0xDC80, 0xDCED, 0xDCAF, 0xDCBF, 0xDFFF})},
-                    DiskNameCase{"LeadingBeforeACharacterOfTwoUnits", "\xED\xA0\x80\xF0\x9F\x98\x80", units({0xD800, 0xD83D, 0xDE00})},
-                    DiskNameCase{"CharacterOfTwoUnitsBeforeATrailing", "\xF0\x9F\x98\x80\xED\xB0\x80", units({0xD83D, 0xDE00, 0xDC00})},
-                    DiskNameCase{"CutShort", "\xED\xA0", units({0xDCED, 0xDCA0})}),
+    testing::Values(
+        DiskNameCase{"Leading", "\xED\xA0\x80", units({0xD800})}, DiskNameCase{"LastLeading", "\xED\xAF\xBFx", units({0xDBFF, 'x'})},
+        DiskNameCase{"Trailing", "\xED\xB0\x80", units({0xDC00})}, DiskNameCase{"BelowRawUnits", "\xED\xB1\xBF", units({0xDC7F})},
+        DiskNameCase{"FirstRawUnit", "\xED\xB2\x80", units({0xDCED, 0xDCB2, 0xDC80})},
+        DiskNameCase{"LastRawUnit", "\xED\xB3\xBF", units({0xDCED, 0xDCB3, 0xDCBF})},
+        DiskNameCase{"AboveRawUnits", "\xED\xB4\x80", units({0xDD00})}, DiskNameCase{"LastTrailing", "\xED\xBF\xBF", units({0xDFFF})},
+        DiskNameCase{"TrailingThenLeading", "\xED\xB0\x80\xED\xA0\x80", units({0xDC00, 0xD800})},
+        DiskNameCase{"TwoLeading", "\xED\xA0\x80\xED\xA0\x81", units({0xD800, 0xD801})},
+        DiskNameCase{"Pair", "\xED\xA0\xBD\xED\xB8\x80", units({0xDCED, 0xDCA0, 0xDCBD, 0xDE00})},
+        DiskNameCase{"LeadingBeforeARawByte", "\xED\xA0\x80\xFF", units({0xDCED, 0xDCA0, 0xDC80, 0xDCFF})},
+        DiskNameCase{"LeadingBeforeARawUnit", "\xED\xA0\x80\xED\xB2\x80", units({0xDCED, 0xDCA0, 0xDC80, 0xDCED, 0xDCB2, 0xDC80})},
+        DiskNameCase{"RunOfLeadingBeforeATrailing", "\xED\xA0\x80\xED\xAF\xBF\xED\xBF\xBF",
+                     units({0xDCED, 0xDCA0, 0xDC80, 0xDCED, 0xDCAF, 0xDCBF, 0xDFFF})},
+        DiskNameCase{"LeadingBeforeACharacterOfTwoUnits", "\xED\xA0\x80\xF0\x9F\x98\x80", units({0xD800, 0xD83D, 0xDE00})},
+        DiskNameCase{"CharacterOfTwoUnitsBeforeATrailing", "\xF0\x9F\x98\x80\xED\xB0\x80", units({0xD83D, 0xDE00, 0xDC00})},
+        DiskNameCase{"CutShort", "\xED\xA0", units({0xDCED, 0xDCA0})}),
     [](const testing::TestParamInfo<DiskNameCase> &row) { return row.param.name; });
 
 TEST(RoundTrip, OfEveryStringOfOneAndTwoBytes)
@@ -167,9 +163,9 @@ TEST(RoundTrip, OfEveryStringOfThreeTellingBytes)
 
 TEST(RoundTrip, OfEveryFourPiecesWithSurrogates)
 {
-    const std::vector<std::string> pieces = {"", "a", "\xED\xA0\x80", "\xED\xAF\xBF", "\xED\xB0\x80", "\xED\xB2\x80", "\xED\xB3\xBF",
-                                             "\xED\xBF\xBF", "\xED", "\xED\xA0", "\x80", "\xFF", "\xC3\xA9", "\xED\x9F\xBF", "\xEE\x80\x80",
-                                             "\xF0\x9F\x98\x80"};
+    const std::vector<std::string> pieces = {
+        "",     "a",        "\xED\xA0\x80", "\xED\xAF\xBF", "\xED\xB0\x80", "\xED\xB2\x80", "\xED\xB3\xBF", "\xED\xBF\xBF",
+        "\xED", "\xED\xA0", "\x80",         "\xFF",         "\xC3\xA9",     "\xED\x9F\xBF", "\xEE\x80\x80", "\xF0\x9F\x98\x80"};
     for (const std::string &first : pieces)
         for (const std::string &second : pieces)
             for (const std::string &third : pieces)
@@ -198,7 +194,8 @@ TEST(RoundTrip, OfAMillionRandomStrings)
 
 TEST(RoundTrip, OfTheLongestNames)
 {
-    for (const std::string &piece : {"a"s, "\xFF"s, "\xC3\xA9"s, "\xE4\xB8\xAD"s, "\xF0\x9F\x98\x80"s, "\xED\xA0\x80"s, "\xED\xA0\x80\xED\xB0\x80"s})
+    for (const std::string &piece :
+         {"a"s, "\xFF"s, "\xC3\xA9"s, "\xE4\xB8\xAD"s, "\xF0\x9F\x98\x80"s, "\xED\xA0\x80"s, "\xED\xA0\x80\xED\xB0\x80"s})
         for (std::size_t size : {253u, 254u, 255u})
             ASSERT_NO_FATAL_FAILURE(expectItComesBack(repeated(piece, 255).substr(0, size)));
     ASSERT_NO_FATAL_FAILURE(expectItComesBack(repeated("\xED\xA0\x80", 84) + "\xFF"));
@@ -207,7 +204,7 @@ TEST(RoundTrip, OfTheLongestNames)
 TEST(RoundTrip, EveryNameThatIsAcceptedComesBack)
 {
     std::mt19937 random(11);
-    const std::u16string alphabet = units({'a', '/', '.', 0x7F, 0xA9, 0xC3, 0xE9, 0x301, 0xD7FF, 0xD800, 0xDBFF, 0xDC00,
+    const std::u16string alphabet = units({'a',    '/',    '.',    0x7F,   0xA9,   0xC3,   0xE9,   0x301,  0xD7FF, 0xD800, 0xDBFF, 0xDC00,
                                            0xDC7F, 0xDC80, 0xDCA9, 0xDCC3, 0xDCB2, 0xDCED, 0xDCFF, 0xDD00, 0xDFFF, 0xE000, 0xFFFF});
     int accepted = 0;
     for (int round = 0; round < 200000; ++round)
@@ -261,16 +258,11 @@ TEST_P(UnicodeNames, GiveThisDiskNameOrARefusal)
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, UnicodeNames,
-    testing::Values(UnicodeCase{"Plain", u"Read Me", noErr, "Read Me"},
-                    UnicodeCase{"SlashIsAColon", u"in/out", noErr, "in:out"},
-                    UnicodeCase{"NotComposed", u"e\u0301", noErr, "e\xCC\x81"},
-                    UnicodeCase{"RawByte", units({0xDCE9}), noErr, "\xE9"},
-                    UnicodeCase{"Empty", u"", errFSMissingName, ""},
-                    UnicodeCase{"Colon", u"a:b", bdNamErr, ""},
-                    UnicodeCase{"Nul", u"a\0b"s, bdNamErr, ""},
-                    UnicodeCase{"Dot", u".", bdNamErr, ""},
-                    UnicodeCase{"TwoDots", u"..", bdNamErr, ""},
-                    UnicodeCase{"ThreeDots", u"...", noErr, "..."},
+    testing::Values(UnicodeCase{"Plain", u"Read Me", noErr, "Read Me"}, UnicodeCase{"SlashIsAColon", u"in/out", noErr, "in:out"},
+                    UnicodeCase{"NotComposed", u"e\u0301", noErr, "e\xCC\x81"}, UnicodeCase{"RawByte", units({0xDCE9}), noErr, "\xE9"},
+                    UnicodeCase{"Empty", u"", errFSMissingName, ""}, UnicodeCase{"Colon", u"a:b", bdNamErr, ""},
+                    UnicodeCase{"Nul", u"a\0b"s, bdNamErr, ""}, UnicodeCase{"Dot", u".", bdNamErr, ""},
+                    UnicodeCase{"TwoDots", u"..", bdNamErr, ""}, UnicodeCase{"ThreeDots", u"...", noErr, "..."},
                     UnicodeCase{"RawBytesThatAreText", units({0xDCC3, 0xDCA9}), bdNamErr, ""},
                     UnicodeCase{"RawBytesThatAreASurrogate", units({0xDCED, 0xDCB0, 0xDC80}), bdNamErr, ""},
                     UnicodeCase{"RawBytesThatAreARawUnit", units({0xDCED, 0xDCB2, 0xDC80}), noErr, "\xED\xB2\x80"},
@@ -338,19 +330,33 @@ std::u16string repeatedUnits(const std::u16string &text, int count)
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, NameForms,
-    testing::Values(FormsCase{"Ascii", u"Read Me", noErr, "Read Me", {"Read Me"}},
-                    FormsCase{"Composed", u"\u00E9", noErr, "\xC3\xA9", {"\xC3\xA9", "e\xCC\x81"}},
-                    FormsCase{"Decomposed", u"e\u0301", noErr, "\xC3\xA9", {"e\xCC\x81", "\xC3\xA9"}},
-                    FormsCase{"Mixed", u"\u00E9e\u0301", noErr, "\xC3\xA9\xC3\xA9",
-                              {"\xC3\xA9" "e\xCC\x81", "\xC3\xA9\xC3\xA9", "e\xCC\x81" "e\xCC\x81"}},
-                    FormsCase{"OneFormOnly", u"\u4E2D/\u2260", noErr, "\xE4\xB8\xAD:\xE2\x89\xA0", {"\xE4\xB8\xAD:\xE2\x89\xA0"}},
-                    FormsCase{"RawByteBesideText", units({0xDCFF, 'e', 0x301}), noErr, "\xFF\xC3\xA9", {"\xFF" "e\xCC\x81", "\xFF\xC3\xA9"}},
-                    FormsCase{"DecomposedIsTooLong", repeatedUnits(u"\u00E9", 100), noErr, repeated("\xC3\xA9", 100), {repeated("\xC3\xA9", 100)}},
-                    FormsCase{"ExactIsTooLong", repeatedUnits(u"e\u0301", 100), noErr, repeated("\xC3\xA9", 100), {repeated("\xC3\xA9", 100)}},
-                    FormsCase{"AllAreTooLong", repeatedUnits(u"\u00E9", 128), errFSNameTooLong, "untouched", {"untouched"}},
-                    FormsCase{"TooManyUnits", repeatedUnits(u"e\u0301", 128), errFSNameTooLong, "untouched", {"untouched"}},
-                    FormsCase{"Refused", u"e\u0301:", bdNamErr, "untouched", {"untouched"}},
-                    FormsCase{"Dot", u".", bdNamErr, "untouched", {"untouched"}}),
+    testing::Values(
+        FormsCase{"Ascii", u"Read Me", noErr, "Read Me", {"Read Me"}},
+        FormsCase{"Composed", u"\u00E9", noErr, "\xC3\xA9", {"\xC3\xA9", "e\xCC\x81"}},
+        FormsCase{"Decomposed", u"e\u0301", noErr, "\xC3\xA9", {"e\xCC\x81", "\xC3\xA9"}},
+        FormsCase{"Mixed",
+                  u"\u00E9e\u0301",
+                  noErr,
+                  "\xC3\xA9\xC3\xA9",
+                  {"\xC3\xA9"
+                   "e\xCC\x81",
+                   "\xC3\xA9\xC3\xA9",
+                   "e\xCC\x81"
+                   "e\xCC\x81"}},
+        FormsCase{"OneFormOnly", u"\u4E2D/\u2260", noErr, "\xE4\xB8\xAD:\xE2\x89\xA0", {"\xE4\xB8\xAD:\xE2\x89\xA0"}},
+        FormsCase{"RawByteBesideText",
+                  units({0xDCFF, 'e', 0x301}),
+                  noErr,
+                  "\xFF\xC3\xA9",
+                  {"\xFF"
+                   "e\xCC\x81",
+                   "\xFF\xC3\xA9"}},
+        FormsCase{"DecomposedIsTooLong", repeatedUnits(u"\u00E9", 100), noErr, repeated("\xC3\xA9", 100), {repeated("\xC3\xA9", 100)}},
+        FormsCase{"ExactIsTooLong", repeatedUnits(u"e\u0301", 100), noErr, repeated("\xC3\xA9", 100), {repeated("\xC3\xA9", 100)}},
+        FormsCase{"AllAreTooLong", repeatedUnits(u"\u00E9", 128), errFSNameTooLong, "untouched", {"untouched"}},
+        FormsCase{"TooManyUnits", repeatedUnits(u"e\u0301", 128), errFSNameTooLong, "untouched", {"untouched"}},
+        FormsCase{"Refused", u"e\u0301:", bdNamErr, "untouched", {"untouched"}},
+        FormsCase{"Dot", u".", bdNamErr, "untouched", {"untouched"}}),
     [](const testing::TestParamInfo<FormsCase> &row) { return row.param.name; });
 
 TEST(PascalNames, AreInTheSystemsEncoding)

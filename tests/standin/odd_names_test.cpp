@@ -55,12 +55,14 @@ void OddNames::expectAllListed(const std::vector<std::string> &names)
     ASSERT_EQ(FSOpenIterator(&parent, kFSIterateFlat, &iterator), noErr);
     std::vector<std::string> found;
     OSErr result = noErr;
-    while (result == noErr) {
+    while (result == noErr)
+    {
         FSRef refs[16];
         HFSUniStr255 listed[16];
         ItemCount count = 0;
         result = FSGetCatalogInfoBulk(iterator, 16, &count, nullptr, kFSCatInfoNone, nullptr, refs, nullptr, listed);
-        for (ItemCount i = 0; i < count; ++i) {
+        for (ItemCount i = 0; i < count; ++i)
+        {
             EXPECT_EQ(nameOf(refs[i]), wide(listed[i]));
             found.push_back(pathOf(refs[i]).substr(folder().path().size() + 1));
         }
@@ -113,29 +115,31 @@ const std::vector<std::string> &oddNames()
         "a:b:c",
         ":",
         "back\\slash",
-        "name#1A2B3C.txt",            // looks like a short form, but is one of its own
+        "name#1A2B3C.txt",   // looks like a short form, but is one of its own
         "name#",
-        "._",                          // no name behind it: a file
-        "._lonely",                    // a sidecar without its file is shown as a file
-        "\xC3\xA9",                    // é composed
-        "e\xCC\x81",                   // é decomposed, beside it
-        "\xC3",                        // UTF-8 that breaks off
+        "._",          // no name behind it: a file
+        "._lonely",    // a sidecar without its file is shown as a file
+        "\xC3\xA9",    // é composed
+        "e\xCC\x81",   // é decomposed, beside it
+        "\xC3",        // UTF-8 that breaks off
         "\x80\x80",
         "\xFF\xFE",
-        "\xC0\xAF",                    // overlong
+        "\xC0\xAF",   // overlong
         "\xE0\x80\x80",
-        "\xED\xA0\x80",                // an encoded surrogate
-        "\xED\xA0\x80\xED\xB0\x80",    // two that would join
-        "\xED\xB2\x80",                // one of those that stand for bytes
+        "\xED\xA0\x80",               // an encoded surrogate
+        "\xED\xA0\x80\xED\xB0\x80",   // two that would join
+        "\xED\xB2\x80",               // one of those that stand for bytes
         "\xED\xBF\xBF",
-        "\xF4\x90\x80\x80",            // past the last character
-        "\xF0\x9F\x98\x80",            // beyond the first plane
-        "\xEF\xBB\xBF" "mark",
-        "\xE2\x89\xA0",                // ≠, which the disk's decomposition leaves whole
-        "=\xCC\xB8",                   // … and its canonical decomposition
-        "\xEF\xA4\x80",                // a compatibility ideograph
-        "\xE1\xBA\x9B\xCC\xA3",        // marks in another order than composed
-        "Schr\xC3\xB6" "dinger.\xE7\x8C\xAB",
+        "\xF4\x90\x80\x80",   // past the last character
+        "\xF0\x9F\x98\x80",   // beyond the first plane
+        "\xEF\xBB\xBF"
+        "mark",
+        "\xE2\x89\xA0",           // ≠, which the disk's decomposition leaves whole
+        "=\xCC\xB8",              // … and its canonical decomposition
+        "\xEF\xA4\x80",           // a compatibility ideograph
+        "\xE1\xBA\x9B\xCC\xA3",   // marks in another order than composed
+        "Schr\xC3\xB6"
+        "dinger.\xE7\x8C\xAB",
     };
     return names;
 }
@@ -153,7 +157,8 @@ TEST_P(OddNames, OddOnes)
 TEST_P(OddNames, LongOnes)
 {
     std::vector<std::string> names;
-    for (std::size_t length : {30, 31, 32, 33, 63, 64, 252, 253, 254, 255}) {
+    for (std::size_t length : {30, 31, 32, 33, 63, 64, 252, 253, 254, 255})
+    {
         names.push_back(std::string(length, 'n'));
         names.push_back(std::string(length, '\xFE'));
         names.push_back(std::string(length - 4, 'm') + ".txt");
@@ -177,18 +182,21 @@ TEST_P(OddNames, LongOnesThatBeginAlike)
     for (const std::string &name : names)
         make(name);
     std::map<std::string, std::string> shortForms;
-    for (const std::string &name : names) {
+    for (const std::string &name : names)
+    {
         expectReachable(name);
         FSSpec spec = specOf(refAt(folder() / name));
         std::string shortForm(spec.name + 1, spec.name + 1 + spec.name[0]);
-        EXPECT_TRUE(shortForms.emplace(shortForm, name).second) << shortForm << " stands for " << name << " and for " << shortForms[shortForm];
+        EXPECT_TRUE(shortForms.emplace(shortForm, name).second)
+            << shortForm << " stands for " << name << " and for " << shortForms[shortForm];
     }
 }
 
 TEST_P(OddNames, OddFoldersAreWalkedThrough)
 {
     folder().expectOrphan("._lonely");
-    for (const std::string &name : oddNames()) {
+    for (const std::string &name : oddNames())
+    {
         SCOPED_TRACE(printable(name));
         mkdir((folder() / name).c_str(), 0755);
         writeFile(folder() / (name + "/file"), name);
@@ -202,7 +210,8 @@ TEST_P(OddNames, OddFoldersAreWalkedThrough)
 
 TEST_P(OddNames, MetadataFollowsOddNames)
 {
-    for (std::string name : {"\xFF\xFE", "a:b", "two\nlines", "-rf", "e\xCC\x81"}) {
+    for (std::string name : {"\xFF\xFE", "a:b", "two\nlines", "-rf", "e\xCC\x81"})
+    {
         SCOPED_TRACE(printable(name));
         make(name);
         FSRef ref = refAt(folder() / name);
@@ -235,11 +244,22 @@ TEST_P(OddNames, NewNamesAreComposedAndFoundInEitherForm)
     EXPECT_EQ(makeFile(folderRef(), "caf\xC3\xA9"), dupFNErr);
     EXPECT_EQ(pathOf(childOf(folderRef(), "cafe\xCC\x81")), folder() / "caf\xC3\xA9");
 
-    make("u\xCC\x88" "ber");   // another program stored this one decomposed
-    EXPECT_EQ(pathOf(childOf(folderRef(), "\xC3\xBC" "ber")), folder() / "u\xCC\x88" "ber");
-    make("\xC3\xBC" "ber");
-    EXPECT_EQ(pathOf(childOf(folderRef(), "\xC3\xBC" "ber")), folder() / "\xC3\xBC" "ber");
-    EXPECT_EQ(pathOf(childOf(folderRef(), "u\xCC\x88" "ber")), folder() / "u\xCC\x88" "ber");
+    make("u\xCC\x88"
+         "ber");   // another program stored this one decomposed
+    EXPECT_EQ(pathOf(childOf(folderRef(), "\xC3\xBC"
+                                          "ber")),
+              folder() / "u\xCC\x88"
+                         "ber");
+    make("\xC3\xBC"
+         "ber");
+    EXPECT_EQ(pathOf(childOf(folderRef(), "\xC3\xBC"
+                                          "ber")),
+              folder() / "\xC3\xBC"
+                         "ber");
+    EXPECT_EQ(pathOf(childOf(folderRef(), "u\xCC\x88"
+                                          "ber")),
+              folder() / "u\xCC\x88"
+                         "ber");
 }
 
 TEST_P(OddNames, NamesThatCannotBeAreRefused)

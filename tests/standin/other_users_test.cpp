@@ -49,7 +49,8 @@ const Role setsMetadata("setsMetadataOfOwnFile", [](const RoleArguments &argumen
 
 TEST_P(OtherUsers, MetadataOfOwnReadOnlyFilesCanBeSet)
 {
-    for (mode_t mode : {0444u, 0400u, 0200u, 0000u}) {
+    for (mode_t mode : {0444u, 0400u, 0200u, 0000u})
+    {
         SCOPED_TRACE(testing::Message() << "mode " << std::oct << mode);
         std::string path = fileOf(ordinaryUser, mode, "file" + std::to_string(mode));
         giveFolderTo(ordinaryUser);
@@ -74,7 +75,8 @@ TEST_P(OtherUsers, AFileThatOnlyMayBeWrittenLosesNothing)
     giveFolderTo(ordinaryUser);
     ASSERT_EQ(setType(refAt(path), code("TEXT"), code("ttxt")), noErr);
     chmod(path.c_str(), 0200);
-    if (exists(folder() / "._file")) {
+    if (exists(folder() / "._file"))
+    {
         EXPECT_EQ(chown((folder() / "._file").c_str(), ordinaryUser, ordinaryUser), 0);
     }
     playRole("setsTwoFieldsOfOwnFile", {path}, {ordinaryUser, {}});
@@ -95,8 +97,9 @@ const Role changesOthersFile("changesOthersFile", [](const RoleArguments &argume
     EXPECT_TRUE(refusedForLackOfAccess(setType(ref, code("PICT"), 0)));
     EXPECT_TRUE(refusedForLackOfAccess(setLock(ref, true)));
     FSCatalogInfo info{};
-    for (FSCatalogInfoBitmap field : {kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoBackupDate, kFSCatInfoPermissions,
-                                      kFSCatInfoFinderXInfo}) {
+    for (FSCatalogInfoBitmap field : {kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoBackupDate,
+                                      kFSCatInfoPermissions, kFSCatInfoFinderXInfo})
+    {
         info.textEncodingHint = 5;
         info.createDate = info.contentModDate = info.backupDate = dateOfUnix(5);
         info.extFinderInfo[0] = 1;
@@ -151,7 +154,8 @@ const Role looksIntoClosedFolder("looksIntoClosedFolder", [](const RoleArguments
     FSIterator iterator = nullptr;
     ItemCount count = 0;
     OSErr result = FSOpenIterator(&closed, kFSIterateFlat, &iterator);
-    if (result == noErr) {
+    if (result == noErr)
+    {
         result = FSGetCatalogInfoBulk(iterator, 1, &count, nullptr, kFSCatInfoNone, nullptr, &ref, nullptr, nullptr);
         FSCloseIterator(iterator);
     }

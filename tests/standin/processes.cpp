@@ -173,7 +173,8 @@ bool roleWasAsked(int argumentCount, char **arguments, int &status)
     if (argumentCount < 4 || std::string(arguments[1]) != "--role")
         return false;
     auto role = roles().find(arguments[2]);
-    if (role == roles().end() || !becomeUser(static_cast<uid_t>(std::stoul(arguments[3])))) {
+    if (role == roles().end() || !becomeUser(static_cast<uid_t>(std::stoul(arguments[3]))))
+    {
         std::fprintf(stderr, "cannot play the role %s as user %s\n", arguments[2], arguments[3]);
         status = 125;
         return true;

@@ -39,7 +39,7 @@ public:
     pid_t process() const { return process_; }
     void kill(int signal);
     void waitForOutput();   // until it has written something, or ended
-    Ended wait();   // reads all of its output, then its end
+    Ended wait();           // reads all of its output, then its end
 
 private:
     pid_t process_;

@@ -26,7 +26,8 @@ std::string timeText(const statx_timestamp &time)
 
 std::string contentText(const std::string &path, unsigned mode)
 {
-    if (S_ISREG(mode)) {
+    if (S_ISREG(mode))
+    {
         Bytes bytes = readFile(path);
         return std::to_string(std::hash<std::string_view>()({reinterpret_cast<const char *>(bytes.data()), bytes.size()}));
     }
@@ -38,10 +39,11 @@ std::string contentText(const std::string &path, unsigned mode)
 void describe(const std::string &path, std::ostream &picture)
 {
     struct statx record = statxOf(path);
-    picture << path << " mode " << std::oct << record.stx_mode << std::dec << " owner " << record.stx_uid << ":" << record.stx_gid << " inode "
-            << record.stx_ino << " links " << record.stx_nlink << " size " << record.stx_size << " modified " << timeText(record.stx_mtime) << " changed "
-            << timeText(record.stx_ctime) << " bytes " << contentText(path, record.stx_mode);
-    for (const std::string &name : attributeNames(path)) {
+    picture << path << " mode " << std::oct << record.stx_mode << std::dec << " owner " << record.stx_uid << ":" << record.stx_gid
+            << " inode " << record.stx_ino << " links " << record.stx_nlink << " size " << record.stx_size << " modified "
+            << timeText(record.stx_mtime) << " changed " << timeText(record.stx_ctime) << " bytes " << contentText(path, record.stx_mode);
+    for (const std::string &name : attributeNames(path))
+    {
         picture << " " << name << "=";
         for (std::uint8_t byte : attribute(path, name).value_or(Bytes{}))
             picture << static_cast<int>(byte) << ".";
@@ -74,8 +76,10 @@ void writeFile(const std::string &path, std::string_view text)
 Bytes readFile(const std::string &path)
 {
     Bytes bytes;
-    std::unique_ptr<FILE, int (*)(FILE *)> file(std::fopen(path.c_str(), "rbe"), [](FILE *opened) { return opened ? std::fclose(opened) : 0; });
-    if (!file) {
+    std::unique_ptr<FILE, int (*)(FILE *)> file(std::fopen(path.c_str(), "rbe"),
+                                                [](FILE *opened) { return opened ? std::fclose(opened) : 0; });
+    if (!file)
+    {
         ADD_FAILURE() << "cannot read " << path << ": " << std::strerror(errno);
         return bytes;
     }
@@ -95,7 +99,8 @@ std::vector<std::string> namesIn(const std::string &directory)
 {
     std::vector<std::string> names;
     std::unique_ptr<DIR, int (*)(DIR *)> opened(opendir(directory.c_str()), [](DIR *stream) { return stream ? closedir(stream) : 0; });
-    while (dirent *entry = opened ? readdir(opened.get()) : nullptr) {
+    while (dirent *entry = opened ? readdir(opened.get()) : nullptr)
+    {
         std::string name = entry->d_name;
         if (name != "." && name != "..")
             names.push_back(name);
@@ -139,7 +144,8 @@ std::vector<std::string> attributeNames(const std::string &path)
 struct statx statxOf(const std::string &path)
 {
     struct statx record = {};
-    EXPECT_EQ(statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &record), 0) << path << ": " << std::strerror(errno);
+    EXPECT_EQ(statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &record), 0)
+        << path << ": " << std::strerror(errno);
     return record;
 }
 

@@ -108,10 +108,13 @@ TEST_P(References, KeptWhenMvRenames)
     FSRef ref = fileRef("file");
     usleep(50000);   // a reference without an exact birth looks for other names only when the file is surely older
     moveByProgram(folder() / "file", folder() / "renamed");
-    if (comparesBirths()) {
+    if (comparesBirths())
+    {
         EXPECT_EQ(nameOf(ref), u"renamed");
         EXPECT_EQ(setType(ref, code("TEXT"), 0), noErr);
-    } else {
+    }
+    else
+    {
         EXPECT_EQ(checkRef(ref), fnfErr);
     }
 }
@@ -162,14 +165,16 @@ TEST_P(References, ANewObjectOfTheSameNameIsAnother)
     if (!comparesBirths())
         GTEST_SKIP() << "nothing tells a new object of the same inode number and name here";
     int sameInode = 0, told = 0;
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 200; ++round)
+    {
         FSRef ref = fileRef("file");
         struct statx before = statxOf(folder() / "file");
         unlink((folder() / "file").c_str());
         writeFile(folder() / "file", "another");
         struct statx after = statxOf(folder() / "file");
         sameInode += before.stx_ino == after.stx_ino;
-        if (!indistinguishable(before, after)) {
+        if (!indistinguishable(before, after))
+        {
             ++told;
             ASSERT_EQ(checkRef(ref), fnfErr) << "round " << round;
         }
@@ -184,7 +189,8 @@ TEST_P(References, ANewObjectIsNotTheListedOne)
 {
     if (!comparesBirths())
         GTEST_SKIP() << "nothing tells a new object of the same inode number and name here";
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < 20; ++round)
+    {
         writeFile(folder() / "file");
         FSRef ref = listedRef(folderRef());
         unlink((folder() / "file").c_str());
@@ -197,7 +203,8 @@ TEST_P(References, ANewObjectIsNotTheListedOne)
 
 TEST_P(References, ANewObjectWithTheOldInodeUnderAnotherNameIsAnother)
 {
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 50; ++round)
+    {
         FSRef ref = fileRef("file" + std::to_string(round));
         struct statx before = statxOf(folder() / ("file" + std::to_string(round)));
         unlink((folder() / ("file" + std::to_string(round))).c_str());
@@ -205,7 +212,8 @@ TEST_P(References, ANewObjectWithTheOldInodeUnderAnotherNameIsAnother)
         std::string other = folder() / ("other" + std::to_string(round));
         writeFile(other, "another");
         struct statx after = statxOf(other);
-        if (!comparesBirths() || !indistinguishable(before, after)) {
+        if (!comparesBirths() || !indistinguishable(before, after))
+        {
             ASSERT_EQ(checkRef(ref), fnfErr) << "round " << round << (before.stx_ino == after.stx_ino ? ", same inode" : "");
         }
     }
@@ -275,7 +283,8 @@ TEST(ForgedReferences, ZeroesAndOnesAreRefusedByEveryCall)
 {
     TemporaryFolder folder;
     FSRef parent = refAt(folder.path());
-    for (int value : {0, 1, 0x55, 0xFF}) {
+    for (int value : {0, 1, 0x55, 0xFF})
+    {
         FSRef bad;
         std::memset(&bad, value, sizeof bad);
         expectRefused(bad, parent);
@@ -286,7 +295,8 @@ TEST(ForgedReferences, ZeroesAndOnesAreRefusedByEveryCall)
 TEST(ForgedReferences, RandomBytesAreRefused)
 {
     std::mt19937 random(20261121);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 20000; ++round)
+    {
         FSRef bad;
         for (UInt8 &byte : bad.hidden)
             byte = static_cast<UInt8>(random());
@@ -300,10 +310,12 @@ TEST(ForgedReferences, EveryChangedByteIsNoticed)
     writeFile(folder / "a file with a name of forty characters!!", "x");
     writeFile(folder / std::string(200, 'n'), "x");
     writeFile(folder / "s", "x");
-    for (const std::string &name : namesIn(folder.path())) {
+    for (const std::string &name : namesIn(folder.path()))
+    {
         FSRef good = refAt(folder / name);
         for (std::size_t at = 0; at < sizeof good.hidden; ++at)
-            for (unsigned change = 1; change < 256; ++change) {
+            for (unsigned change = 1; change < 256; ++change)
+            {
                 FSRef bad = good;
                 bad.hidden[at] = static_cast<UInt8>(bad.hidden[at] ^ change);
                 ASSERT_NE(checkRef(bad), noErr) << name << ": byte " << at << " changed by " << change;

@@ -66,29 +66,24 @@ TEST_P(PlainShortNames, AreFoundAgainOrRefused)
     EXPECT_NE(std::find(lookedFor.begin(), lookedFor.end(), GetParam().diskName), lookedFor.end());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, PlainShortNames,
-    testing::Values(PlainCase{"Ascii", "Read Me.txt", "Read Me.txt"},
-                    PlainCase{"ColonIsASlash", "in:out", "in/out"},
-                    PlainCase{"Control", "Icon\r", "Icon\r"},
-                    PlainCase{"Longest", std::string(31, 'x'), std::string(31, 'x')},
-                    PlainCase{"TooLong", std::string(32, 'x'), ""},
-                    PlainCase{"LongestInTwoBytes", repeated("\xC3\xA9", 31), std::string(31, '\x8E')},
-                    PlainCase{"TooLongInTwoBytes", repeated("\xC3\xA9", 32), ""},
-                    PlainCase{"Decomposed", "cafe\xCC\x81", "caf\x8E"},
-                    PlainCase{"Mixed", "\xC3\xA9" "e\xCC\x81", ""},
-                    PlainCase{"Foreign", "\xE4\xB8\xAD", ""},
-                    PlainCase{"RawByte", "caf\xE9", ""},
-                    PlainCase{"Surrogate", "\xED\xA0\x80", ""},
-                    PlainCase{"NotEqual", "\xE2\x89\xA0", "\xAD"},
-                    PlainCase{"Apple", "\xEF\xA3\xBF", "\xF0"},
-                    PlainCase{"OhmIsNotOmega", "\xE2\x84\xA6", ""},
-                    PlainCase{"LooksHashed", "begin#1A2B3C.ext", "begin#1A2B3C.ext"},
-                    PlainCase{"Empty", "", ""},
-                    PlainCase{"Dot", ".", ""},
-                    PlainCase{"TwoDots", "..", ""},
-                    PlainCase{"NoDiskName", "a/b", ""}),
-    [](const testing::TestParamInfo<PlainCase> &row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Rows, PlainShortNames,
+                         testing::Values(PlainCase{"Ascii", "Read Me.txt", "Read Me.txt"}, PlainCase{"ColonIsASlash", "in:out", "in/out"},
+                                         PlainCase{"Control", "Icon\r", "Icon\r"},
+                                         PlainCase{"Longest", std::string(31, 'x'), std::string(31, 'x')},
+                                         PlainCase{"TooLong", std::string(32, 'x'), ""},
+                                         PlainCase{"LongestInTwoBytes", repeated("\xC3\xA9", 31), std::string(31, '\x8E')},
+                                         PlainCase{"TooLongInTwoBytes", repeated("\xC3\xA9", 32), ""},
+                                         PlainCase{"Decomposed", "cafe\xCC\x81", "caf\x8E"},
+                                         PlainCase{"Mixed",
+                                                   "\xC3\xA9"
+                                                   "e\xCC\x81",
+                                                   ""},
+                                         PlainCase{"Foreign", "\xE4\xB8\xAD", ""}, PlainCase{"RawByte", "caf\xE9", ""},
+                                         PlainCase{"Surrogate", "\xED\xA0\x80", ""}, PlainCase{"NotEqual", "\xE2\x89\xA0", "\xAD"},
+                                         PlainCase{"Apple", "\xEF\xA3\xBF", "\xF0"}, PlainCase{"OhmIsNotOmega", "\xE2\x84\xA6", ""},
+                                         PlainCase{"LooksHashed", "begin#1A2B3C.ext", "begin#1A2B3C.ext"}, PlainCase{"Empty", "", ""},
+                                         PlainCase{"Dot", ".", ""}, PlainCase{"TwoDots", "..", ""}, PlainCase{"NoDiskName", "a/b", ""}),
+                         [](const testing::TestParamInfo<PlainCase> &row) { return row.param.name; });
 
 std::string hashed(const std::string &diskName, int digits = 6)
 {
@@ -131,7 +126,9 @@ TEST(HashedShortNames, ReplaceWhatDoesNotConvert)
     EXPECT_EQ(form(hashed("\xF0\x9F\x98\x80 smile")), "_ smile#HHHHHH");
     EXPECT_EQ(form(hashed("name.\xE4\xB8\xAD")), "name._#HHHHHH");
     EXPECT_EQ(form(hashed("caf\xE9.txt")), "caf_#HHHHHH.txt");
-    EXPECT_EQ(form(hashed("e\xCC\x81" "\xC3\xA9")), "\x8E\x8E#HHHHHH");
+    EXPECT_EQ(form(hashed("e\xCC\x81"
+                          "\xC3\xA9")),
+              "\x8E\x8E#HHHHHH");
     EXPECT_EQ(form(hashed("\xFF")), "_#HHHHHH");
 }
 
@@ -197,24 +194,16 @@ TEST_P(HashHints, TellTheDigits)
     EXPECT_EQ(standin::hashDigitsOf(pascal(GetParam().shortName).data()), GetParam().digits);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, HashHints,
-    testing::Values(HintCase{"WithExtension", "begin#1A2B3C.ext", 6},
-                    HintCase{"WithoutExtension", "begin#1A2B3C4", 7},
-                    HintCase{"Most", "b#0123456789ABCDEF", 16},
-                    HintCase{"TooManyDigits", "b#0123456789ABCDEF0", 0},
-                    HintCase{"TooFewDigits", "begin#1A2B3", 0},
-                    HintCase{"LowerCase", "begin#1a2b3c", 0},
-                    HintCase{"NoMark", "begin1A2B3C", 0},
-                    HintCase{"NoBeginning", "#1A2B3C.ext", 0},
-                    HintCase{"TextBehind", "begin#1A2B3Cx", 0},
-                    HintCase{"LongExtension", "begin#1A2B3C.jpegs", 0},
-                    HintCase{"BareDot", "begin#1A2B3C.", 0},
-                    HintCase{"TwoMarks", "a#b#1A2B3C.c#d", 6},
-                    HintCase{"TooLong", std::string(25, 'x') + "#1A2B3C", 0},
-                    HintCase{"Longest", std::string(24, 'x') + "#1A2B3C", 6},
-                    HintCase{"Empty", "", 0},
-                    HintCase{"Plain", "Read Me.txt", 0}),
-    [](const testing::TestParamInfo<HintCase> &row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Rows, HashHints,
+                         testing::Values(HintCase{"WithExtension", "begin#1A2B3C.ext", 6}, HintCase{"WithoutExtension", "begin#1A2B3C4", 7},
+                                         HintCase{"Most", "b#0123456789ABCDEF", 16}, HintCase{"TooManyDigits", "b#0123456789ABCDEF0", 0},
+                                         HintCase{"TooFewDigits", "begin#1A2B3", 0}, HintCase{"LowerCase", "begin#1a2b3c", 0},
+                                         HintCase{"NoMark", "begin1A2B3C", 0}, HintCase{"NoBeginning", "#1A2B3C.ext", 0},
+                                         HintCase{"TextBehind", "begin#1A2B3Cx", 0}, HintCase{"LongExtension", "begin#1A2B3C.jpegs", 0},
+                                         HintCase{"BareDot", "begin#1A2B3C.", 0}, HintCase{"TwoMarks", "a#b#1A2B3C.c#d", 6},
+                                         HintCase{"TooLong", std::string(25, 'x') + "#1A2B3C", 0},
+                                         HintCase{"Longest", std::string(24, 'x') + "#1A2B3C", 6}, HintCase{"Empty", "", 0},
+                                         HintCase{"Plain", "Read Me.txt", 0}),
+                         [](const testing::TestParamInfo<HintCase> &row) { return row.param.name; });
 
 }   // namespace

@@ -46,7 +46,8 @@ TEST_P(SpecialObjects, ALinksForkIsNotItsTargets)
     ASSERT_EQ(symlink("target", (folder() / "link").c_str()), 0);
     FSRef ref = childOf(folderRef(), "link");
     SInt16 fork = 0;
-    if (openFork(ref, false, fsRdWrPerm, fork) == noErr) {
+    if (openFork(ref, false, fsRdWrPerm, fork) == noErr)
+    {
         FSSetForkSize(fork, fsFromStart, 0);
         FSCloseFork(fork);
     }
@@ -96,7 +97,8 @@ TEST_P(SpecialObjects, ADeviceIsNeverOpened)
 
 TEST_P(SpecialObjects, ALongNameHasNoRoomForASidecar)
 {
-    for (std::size_t length : {253, 254, 255}) {
+    for (std::size_t length : {253, 254, 255})
+    {
         SCOPED_TRACE(length);
         std::string name(length, 'n');
         writeFile(folder() / name, "data");
@@ -207,7 +209,8 @@ TEST_F(OverlayLayers, OnTwoDisksWhatIsListedIsFound)
     EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 8, &count, nullptr, kFSCatInfoNone, nullptr, refs, nullptr, nullptr), errFSNoMoreItems);
     EXPECT_EQ(FSCloseIterator(iterator), noErr);
     EXPECT_EQ(count, 4u);
-    for (ItemCount i = 0; i < count; ++i) {
+    for (ItemCount i = 0; i < count; ++i)
+    {
         EXPECT_EQ(checkRef(refs[i]), noErr);
         EXPECT_EQ(setType(refs[i], code("TEXT"), 0), noErr);
         EXPECT_EQ(typeOf(refs[i]), code("TEXT"));

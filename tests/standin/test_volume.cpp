@@ -39,7 +39,8 @@ FSRef required(OSStatus result, const FSRef &ref, const std::string &what)
 std::vector<UniChar> units(std::string_view utf8)
 {
     std::vector<UniChar> list;
-    for (std::size_t i = 0; i < utf8.size();) {
+    for (std::size_t i = 0; i < utf8.size();)
+    {
         unsigned lead = static_cast<unsigned char>(utf8[i++]);
         int more = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
         char32_t character = more == 0 ? lead : lead & (0x3Fu >> more);
@@ -222,7 +223,8 @@ OSErr makeFile(const FSRef &folder, std::string_view name, FSRef *made)
 OSErr makeFolder(const FSRef &folder, std::string_view name, FSRef *made)
 {
     std::vector<UniChar> list = units(name);
-    return FSCreateDirectoryUnicode(&folder, static_cast<UniCharCount>(list.size()), list.data(), kFSCatInfoNone, nullptr, made, nullptr, nullptr);
+    return FSCreateDirectoryUnicode(&folder, static_cast<UniCharCount>(list.size()), list.data(), kFSCatInfoNone, nullptr, made, nullptr,
+                                    nullptr);
 }
 
 OSErr rename(FSRef &ref, std::string_view name)
@@ -283,7 +285,8 @@ Bytes forkOf(const FSRef &ref, bool resource)
     EXPECT_EQ(FSGetForkSize(fork, &size), noErr);
     Bytes bytes(static_cast<std::size_t>(size));
     ByteCount count = 0;
-    if (size > 0) {
+    if (size > 0)
+    {
         EXPECT_EQ(FSReadFork(fork, fsFromStart, 0, static_cast<ByteCount>(size), bytes.data(), &count), noErr);
     }
     EXPECT_EQ(FSCloseFork(fork), noErr);
@@ -313,12 +316,14 @@ Bytes sidecarOf(const std::vector<Piece> &pieces, std::string_view filler)
     bytes.insert(bytes.end(), filler.begin(), filler.end());
     bytes.resize(24);
     appendBig(bytes, pieces.size(), 2);
-    for (const Piece &piece : pieces) {
+    for (const Piece &piece : pieces)
+    {
         appendBig(bytes, piece.id, 4);
         appendBig(bytes, piece.offset, 4);
         appendBig(bytes, piece.bytes.size(), 4);
     }
-    for (const Piece &piece : pieces) {
+    for (const Piece &piece : pieces)
+    {
         bytes.resize(std::max(bytes.size(), piece.offset + piece.bytes.size()));
         std::copy(piece.bytes.begin(), piece.bytes.end(), bytes.begin() + piece.offset);
     }

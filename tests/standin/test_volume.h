@@ -47,7 +47,7 @@ FSRef parentOf(const FSRef &ref);
 FSSpec specOf(const FSRef &ref);
 OSErr findSpec(const FSSpec &spec, FSRef &ref);
 std::u16string nameOf(const FSRef &ref);
-OSErr checkRef(const FSRef &ref);        // FSGetCatalogInfo with nothing asked for
+OSErr checkRef(const FSRef &ref);   // FSGetCatalogInfo with nothing asked for
 UInt32 nodeOf(const FSRef &ref);
 bool sameObject(const FSRef &a, const FSRef &b);   // same volume and node
 
@@ -64,7 +64,7 @@ bool isLocked(const FSRef &ref);
 // Objects
 OSErr makeFile(const FSRef &folder, std::string_view name, FSRef *made = nullptr);
 OSErr makeFolder(const FSRef &folder, std::string_view name, FSRef *made = nullptr);
-OSErr rename(FSRef &ref, std::string_view name);       // `ref` becomes the new reference
+OSErr rename(FSRef &ref, std::string_view name);   // `ref` becomes the new reference
 OSErr move(FSRef &ref, const FSRef &folder);
 
 // Forks

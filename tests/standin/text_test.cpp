@@ -34,8 +34,8 @@ char16_t expectedUnit(int byte)
 
 bool isLeftAlone(UChar32 character)
 {
-    return (character >= 0x2000 && character <= 0x2FFF) || (character >= 0xF900 && character <= 0xFAFF)
-        || (character >= 0x2F800 && character <= 0x2FAFF);
+    return (character >= 0x2000 && character <= 0x2FFF) || (character >= 0xF900 && character <= 0xFAFF) ||
+           (character >= 0x2F800 && character <= 0x2FAFF);
 }
 
 std::u16string textOf(UChar32 character)
@@ -77,8 +77,9 @@ std::u16string leftAloneIn(const std::u16string &text)
 // Letters, marks of several classes, Hangul, characters of the ranges (marks among them) and lone surrogates, in any order.
 std::u16string randomText(std::mt19937 &random)
 {
-    static const UChar32 alphabet[] = {'a', 'e', '=', '<', '>', 'K', 0x00E9, 0x00C5, 0x0301, 0x0308, 0x0323, 0x0327, 0x0338, 0x0344, 0x0345, 0x037E,
-                                       0x0928, 0x093C, 0x0958, 0x1100, 0x1161, 0x11A8, 0x1EC7, 0x20D0, 0x20D2, 0x2126, 0x212A, 0x212B, 0x2260, 0x226E,
+    static const UChar32 alphabet[] = {'a',    'e',    '=',    '<',    '>',    'K',    0x00E9, 0x00C5,  0x0301,  0x0308,
+                                       0x0323, 0x0327, 0x0338, 0x0344, 0x0345, 0x037E, 0x0928, 0x093C,  0x0958,  0x1100,
+                                       0x1161, 0x11A8, 0x1EC7, 0x20D0, 0x20D2, 0x2126, 0x212A, 0x212B,  0x2260,  0x226E,
                                        0x2ADC, 0xAC01, 0xD800, 0xDC41, 0xF900, 0xFA10, 0xFB1D, 0x110BA, 0x1D15E, 0x2F800};
     std::u16string text;
     for (std::size_t length = random() % 9; length > 0; --length)
@@ -151,26 +152,25 @@ TEST_P(Forms, AreThoseOfTheFileSystem)
 
 const std::u16string loneLead(1, char16_t{0xD800}), loneTrail(1, char16_t{0xDC80});
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Forms,
-    testing::Values(FormCase{"Empty", u"", u"", u""},
-                    FormCase{"Ascii", u"plain", u"plain", u"plain"},
-                    FormCase{"ComposedLetter", u"caf\u00E9", u"caf\u00E9", u"cafe\u0301"},
-                    FormCase{"DecomposedLetter", u"cafe\u0301", u"caf\u00E9", u"cafe\u0301"},
-                    FormCase{"TwoMarksInOtherOrder", u"e\u0302\u0323", u"\u1EC7", u"e\u0323\u0302"},
-                    FormCase{"Hangul", u"\uAC01", u"\uAC01", u"\u1100\u1161\u11A8"},
-                    FormCase{"NotEqualStaysWhole", u"\u2260", u"\u2260", u"\u2260"},
-                    FormCase{"NotEqualIsNeverMade", u"=\u0338", u"=\u0338", u"=\u0338"},
-                    FormCase{"NotLessIsNeverMade", u"e\u0301<\u0338x", u"\u00E9<\u0338x", u"e\u0301<\u0338x"},
-                    FormCase{"AngstromSignStays", u"\u212B\u00C5", u"\u212B\u00C5", u"\u212BA\u030A"},
-                    FormCase{"CompatibilityIdeographStays", u"\uF900", u"\uF900", u"\uF900"},
-                    FormCase{"SupplementaryIdeographStays", u"\U0002F800", u"\U0002F800", u"\U0002F800"},
-                    FormCase{"MarkOfTheRangesParts", u"a\u20D2\u0301", u"a\u20D2\u0301", u"a\u20D2\u0301"},
-                    FormCase{"MarkBesideTheRanges", u"\u2190\u0338e\u0301", u"\u2190\u0338\u00E9", u"\u2190\u0338e\u0301"},
-                    FormCase{"LoneSurrogates", loneTrail + u"e\u0301" + loneLead,
-                             loneTrail + u"\u00E9" + loneLead, loneTrail + u"e\u0301" + loneLead},
-                    FormCase{"Musical", u"\U0001D15E", u"\U0001D157\U0001D165", u"\U0001D157\U0001D165"}),
-    [](const testing::TestParamInfo<FormCase> &row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Rows, Forms,
+                         testing::Values(FormCase{"Empty", u"", u"", u""}, FormCase{"Ascii", u"plain", u"plain", u"plain"},
+                                         FormCase{"ComposedLetter", u"caf\u00E9", u"caf\u00E9", u"cafe\u0301"},
+                                         FormCase{"DecomposedLetter", u"cafe\u0301", u"caf\u00E9", u"cafe\u0301"},
+                                         FormCase{"TwoMarksInOtherOrder", u"e\u0302\u0323", u"\u1EC7", u"e\u0323\u0302"},
+                                         FormCase{"Hangul", u"\uAC01", u"\uAC01", u"\u1100\u1161\u11A8"},
+                                         FormCase{"NotEqualStaysWhole", u"\u2260", u"\u2260", u"\u2260"},
+                                         FormCase{"NotEqualIsNeverMade", u"=\u0338", u"=\u0338", u"=\u0338"},
+                                         FormCase{"NotLessIsNeverMade", u"e\u0301<\u0338x", u"\u00E9<\u0338x", u"e\u0301<\u0338x"},
+                                         FormCase{"AngstromSignStays", u"\u212B\u00C5", u"\u212B\u00C5", u"\u212BA\u030A"},
+                                         FormCase{"CompatibilityIdeographStays", u"\uF900", u"\uF900", u"\uF900"},
+                                         FormCase{"SupplementaryIdeographStays", u"\U0002F800", u"\U0002F800", u"\U0002F800"},
+                                         FormCase{"MarkOfTheRangesParts", u"a\u20D2\u0301", u"a\u20D2\u0301", u"a\u20D2\u0301"},
+                                         FormCase{"MarkBesideTheRanges", u"\u2190\u0338e\u0301", u"\u2190\u0338\u00E9",
+                                                  u"\u2190\u0338e\u0301"},
+                                         FormCase{"LoneSurrogates", loneTrail + u"e\u0301" + loneLead, loneTrail + u"\u00E9" + loneLead,
+                                                  loneTrail + u"e\u0301" + loneLead},
+                                         FormCase{"Musical", u"\U0001D15E", u"\U0001D157\U0001D165", u"\U0001D157\U0001D165"}),
+                         [](const testing::TestParamInfo<FormCase> &row) { return row.param.name; });
 
 TEST(NormalForms, EveryCharacterDecomposesCanonicallyOrIsLeftAlone)
 {
@@ -208,15 +208,14 @@ TEST(ThreadsInText, ConvertSideBySide)
     std::vector<std::thread> threads;
     std::vector<int> failures(8);
     for (int &failed : failures)
-        threads.emplace_back([&failed]
-                             {
-                                 for (int round = 0; round < 2000; ++round)
-                                 {
-                                     std::string text;
-                                     bool converts = standin::systemTextFromUnicode(composed(u"e\u0301\u2260\u20AC"), text);
-                                     failed += !converts || text != "\x8E\xAD\xDB";
-                                 }
-                             });
+        threads.emplace_back([&failed] {
+            for (int round = 0; round < 2000; ++round)
+            {
+                std::string text;
+                bool converts = standin::systemTextFromUnicode(composed(u"e\u0301\u2260\u20AC"), text);
+                failed += !converts || text != "\x8E\xAD\xDB";
+            }
+        });
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(failures, std::vector<int>(8));

@@ -18,7 +18,8 @@ constexpr int rounds = 60;
 OSErr setField(const FSRef &ref, int field, int round)
 {
     FSCatalogInfo info{};
-    switch (field) {
+    switch (field)
+    {
     case 0: info.finderInfo[0] = static_cast<UInt8>(round + 1); return change(ref, kFSCatInfoFinderInfo, info);
     case 1: info.extFinderInfo[8] = static_cast<UInt8>(round + 1); return change(ref, kFSCatInfoFinderXInfo, info);
     case 2: info.backupDate = dateOfUnix(1000000000 + round); return change(ref, kFSCatInfoBackupDate, info);
@@ -94,7 +95,8 @@ TEST_P(Threads, ReadersNeverSeeHalf)
     std::atomic<bool> done = false;
     std::atomic<int> torn = 0, failed = 0;
     std::thread reader([&] {
-        while (!done) {
+        while (!done)
+        {
             FSCatalogInfo info{};
             if (FSGetCatalogInfo(&ref, kFSCatInfoFinderInfo, &info, nullptr, nullptr, nullptr) != noErr)
                 ++failed;
@@ -103,7 +105,8 @@ TEST_P(Threads, ReadersNeverSeeHalf)
         }
     });
     int refused = 0;
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 200; ++round)
+    {
         OSType value = round % 2 ? code("AAAA") : code("BBBB");
         refused += setType(ref, value, value) != noErr;
     }
@@ -142,7 +145,8 @@ TEST_P(Threads, FilesAreMadeAndDeletedSideBySide)
     std::vector<std::thread> threads;
     for (int number = 0; number < 4; ++number)
         threads.emplace_back([&, number] {
-            for (int round = 0; round < 20; ++round) {
+            for (int round = 0; round < 20; ++round)
+            {
                 FSRef made{};
                 failures += makeFile(parent, "made" + std::to_string(number), &made) != noErr;
                 failures += setType(made, code("TEXT"), 0) != noErr;
@@ -168,7 +172,8 @@ TEST_P(Threads, EachFieldIsSetByAnotherProcess)
     std::vector<Running> processes;
     for (int field = 0; field < fieldCount; ++field)
         processes.push_back(startRole("setsOneFieldOften", {folder() / "file", std::to_string(field)}));
-    for (Running &process : processes) {
+    for (Running &process : processes)
+    {
         Ended ended = process.wait();
         EXPECT_EQ(ended.status, 0) << ended.output;
     }

@@ -60,11 +60,13 @@ TEST(Volumes, TheyAreCountedFromOne)
     std::set<int> numbers;
     ItemCount index = 1;
     OSErr result = noErr;
-    for (; result == noErr && index < 1000; ++index) {
+    for (; result == noErr && index < 1000; ++index)
+    {
         FSVolumeRefNum actual = 0;
         FSRef root{};
         result = FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, &actual, kFSVolInfoNone, nullptr, nullptr, &root);
-        if (result == noErr) {
+        if (result == noErr)
+        {
             EXPECT_TRUE(numbers.insert(actual).second) << "volume " << actual << " twice";
             EXPECT_EQ(nodeOf(root), static_cast<UInt32>(fsRtDirID));
         }
@@ -87,9 +89,11 @@ TEST_P(DiskVolumes, SizesAreTheDisksOwn)
     // Others write to this machine's own disk at the same time, and some disks give back what was deleted a moment later.
     double tolerance = GetParam() == DiskKind::plain ? 0.02 * static_cast<double>(info.totalBytes) : 1 << 20;
     EXPECT_NEAR(static_cast<double>(info.freeBytes), static_cast<double>(disk.f_bavail * disk.f_frsize), tolerance);
-    if (info.totalBytes > 0) {
+    if (info.totalBytes > 0)
+    {
         EXPECT_GT(+info.blockSize, 0u);
-        EXPECT_NEAR(static_cast<double>(info.totalBlocks) * info.blockSize, static_cast<double>(info.totalBytes), static_cast<double>(info.blockSize));
+        EXPECT_NEAR(static_cast<double>(info.totalBlocks) * info.blockSize, static_cast<double>(info.totalBytes),
+                    static_cast<double>(info.blockSize));
     }
     EXPECT_EQ(info.flags & (kFSVolFlagHardwareLockedMask | kFSVolFlagSoftwareLockedMask), 0);
 }
@@ -224,10 +228,11 @@ TEST(Volumes, TheEnvironmentNamesFurtherOnesAndTheirOptions)
     for (std::string name : {"Startup", "two", "three"})
         mkdir((folder / name).c_str(), 0755);
     writeFile(folder / "three/file");
-    playRole("findsVolumesOfEnvironment", {},
-             {0,
-              {"ZERB_STARTUP_VOLUME=" + folder / "Startup",
-               "ZERB_VOLUMES=Second=" + (folder / "two") + ",locked,nocopyfile,noexchange;Third One=" + (folder / "three") + ",nomoverename"}});
+    playRole(
+        "findsVolumesOfEnvironment", {},
+        {0,
+         {"ZERB_STARTUP_VOLUME=" + folder / "Startup",
+          "ZERB_VOLUMES=Second=" + (folder / "two") + ",locked,nocopyfile,noexchange;Third One=" + (folder / "three") + ",nomoverename"}});
 }
 
 void expectEveryChange(const std::string &path, OSErr expected)

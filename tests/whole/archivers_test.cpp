@@ -58,7 +58,8 @@ TEST_P(Archivers, APackedFolderKeepsTheForkForThem)
     EXPECT_NE(listing.find("document"), std::string::npos) << listing;
 
     // Told to show forks, it writes the one that it has read as a sidecar of its own.
-    Ended unpacked = run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
+    Ended unpacked =
+        run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
     ASSERT_EQ(unpacked.status, 0) << unpacked.output;
     EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
     FSRef ref = refAt(folder() / "unpacked/document");

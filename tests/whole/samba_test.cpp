@@ -39,7 +39,8 @@ public:
             mkdir((folder + part).c_str(), 0755);
         writeConfiguration();
         // In a session of its own: it ends its whole process group when it ends.
-        process_ = std::make_unique<Running>(start({"setsid", "/usr/sbin/smbd", "--foreground", "--configfile=" + configuration(), "--no-process-group"}));
+        process_ = std::make_unique<Running>(
+            start({"setsid", "/usr/sbin/smbd", "--foreground", "--configfile=" + configuration(), "--no-process-group"}));
         waitUntilReady();
     }
     Server(const Server &) = delete;
@@ -56,7 +57,8 @@ public:
 
     Ended client(const std::string &commands) const
     {
-        return run({"smbclient", "//127.0.0.1/share", "--no-pass", "--port=" + std::to_string(port_), "--configfile=" + configuration(), "--command=" + commands});
+        return run({"smbclient", "//127.0.0.1/share", "--no-pass", "--port=" + std::to_string(port_), "--configfile=" + configuration(),
+                    "--command=" + commands});
     }
     Bytes get(const std::string &stream) const
     {
@@ -89,7 +91,8 @@ void Server::writeConfiguration() const
     std::ofstream file(configuration());
     file << "[global]\n"
          << " server role = standalone server\n map to guest = Bad User\n guest account = root\n"
-         << " smb ports = " << port_ << "\n interfaces = lo\n bind interfaces only = yes\n disable spoolss = yes\n load printers = no\n printing = bsd\n"
+         << " smb ports = " << port_
+         << "\n interfaces = lo\n bind interfaces only = yes\n disable spoolss = yes\n load printers = no\n printing = bsd\n"
          << " log file = " << folder_ << "/log\n";
     for (std::string part : {"lock directory = /lock", "state directory = /state", "cache directory = /cache", "private dir = /private",
                              "pid directory = /pid", "ncalrpc dir = /ncalrpc"})
@@ -101,7 +104,8 @@ void Server::writeConfiguration() const
 void Server::waitUntilReady()
 {
     Ended ended;
-    for (int tries = 0; tries < 100; ++tries) {
+    for (int tries = 0; tries < 100; ++tries)
+    {
         ended = client("exit");
         if (ended.status == 0)
             return;

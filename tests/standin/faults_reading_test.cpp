@@ -1,0 +1,257 @@
+// Every way to read, with each of its system calls failing in turn: an error or the truth, a metadata item that could not be read
+// at its default, never another object, never a change on the disk. (A call that says ENOENT tells of an object that is gone, and is no failure.)
+#include "tests/standin/faults_calls.h"
+#include "tests/standin/faults_changes.h"
+#include "tests/standin/faults_scene.h"
+
+#include <cerrno>
+
+namespace
+{
+
+using namespace support;
+
+// What a reading gave, item by item.
+using Answer = std::map<std::string, std::string>;
+
+// "bare" has the data of "file", but no metadata at all: it shows what the defaults are.
+struct ReadingScene
+{
+    std::string directory;
+    FSRef root, file, bare, folder;
+    FSSpec spec;
+};
+
+void describe(const std::string &place, const FSCatalogInfo &info, Answer &answer)
+{
+    answer[place + "finder"] = textOfBytes(info.finderInfo) + " " + textOfBytes(info.extFinderInfo);
+    answer[place + "created"] = textOfDate(info.createDate);
+    answer[place + "backed up"] = textOfDate(info.backupDate);
+    answer[place + "modified"] = textOfDate(info.contentModDate);
+    answer[place + "flags"] = std::to_string(info.nodeFlags);
+    answer[place + "hint"] = std::to_string(info.textEncodingHint);
+    answer[place + "sizes"] = std::to_string(info.dataLogicalSize);
+    answer[place + "fork"] = std::to_string(info.rsrcLogicalSize);
+    answer[place + "node"] = std::to_string(info.nodeID) + " in " + std::to_string(info.parentDirID) + " on " + std::to_string(info.volume);
+    answer[place + "valence"] = std::to_string(info.valence);
+}
+
+OSErr getEverything(const FSRef &ref, Answer &answer)
+{
+    FSCatalogInfo info{};
+    HFSUniStr255 name{};
+    FSSpec spec{};
+    FSRef parent{};
+    OSErr result = FSGetCatalogInfo(&ref, everything, &info, &name, &spec, &parent);
+    if (result != noErr)
+        return result;
+    describe("", info, answer);
+    answer["name"] = textOfName(name);
+    answer["spec"] = std::string(spec.name + 1, spec.name + 1 + spec.name[0]) + " in " + std::to_string(spec.parID);
+    answer["parent"] = std::string(reinterpret_cast<const char *>(&parent), sizeof parent);
+    return noErr;
+}
+
+// A reference says nothing by itself: the object that it leads to does, later.
+void addReference(const FSRef &ref, Answer &answer)
+{
+    answer["reference"] = std::string(reinterpret_cast<const char *>(&ref), sizeof ref);
+}
+
+OSErr pathToReference(const ReadingScene &scene, Answer &answer)
+{
+    FSRef ref{};
+    OSStatus result = findRef(scene.directory + "/file", ref);
+    if (result == noErr)
+        addReference(ref, answer);
+    return static_cast<OSErr>(result);
+}
+
+OSErr referenceToPath(const ReadingScene &scene, Answer &answer)
+{
+    UInt8 path[4096];
+    OSStatus result = FSRefMakePath(&scene.file, path, sizeof path);
+    if (result == noErr)
+        answer["path"] = reinterpret_cast<const char *>(path);
+    return static_cast<OSErr>(result);
+}
+
+OSErr nameToReference(const ReadingScene &scene, Answer &answer)
+{
+    FSRef ref{};
+    OSErr result = findChild(scene.root, units("file"), ref);
+    if (result == noErr)
+        addReference(ref, answer);
+    return result;
+}
+
+OSErr specToReference(const ReadingScene &scene, Answer &answer)
+{
+    FSRef ref{};
+    OSErr result = findSpec(scene.spec, ref);
+    if (result == noErr)
+        addReference(ref, answer);
+    return result;
+}
+
+OSErr readFork(const ReadingScene &scene, Answer &answer)
+{
+    SInt16 fork = 0;
+    if (OSErr result = openFork(scene.file, true, fsRdPerm, fork))
+        return result;
+    std::string bytes(10000, '\0');
+    ByteCount got = 0;
+    OSErr result = FSReadFork(fork, fsFromStart, 0, static_cast<ByteCount>(bytes.size()), bytes.data(), &got);
+    EXPECT_EQ(FSCloseFork(fork), noErr);
+    if (result != eofErr) {   // more was asked for than there is
+        EXPECT_EQ(got, 0u);
+        return result;
+    }
+    answer["fork"] = bytes.substr(0, got);
+    return noErr;
+}
+
+// Everything of each item of the scene's folder, three at a time.
+OSErr walk(const ReadingScene &scene, Answer &answer)
+{
+    FSIterator iterator = nullptr;
+    OSErr result = FSOpenIterator(&scene.root, kFSIterateFlat, &iterator);
+    if (result != noErr)
+        return result;
+    while (result == noErr) {
+        FSCatalogInfo infos[3]{};
+        HFSUniStr255 names[3]{};
+        ItemCount count = 0;
+        result = FSGetCatalogInfoBulk(iterator, 3, &count, nullptr, everything, infos, nullptr, nullptr, names);
+        for (ItemCount i = 0; i < count; ++i)
+            describe(textOfName(names[i]) + " ", infos[i], answer);
+    }
+    EXPECT_EQ(FSCloseIterator(iterator), noErr);
+    return result == errFSNoMoreItems ? noErr : result;
+}
+
+struct Reading
+{
+    const char *name;
+    OSErr (*read)(const ReadingScene &scene, Answer &answer);
+};
+
+const Reading readings[] = {
+    {"GetInfoOfAFile", [](const ReadingScene &s, Answer &answer) { return getEverything(s.file, answer); }},
+    {"GetInfoOfAFolder", [](const ReadingScene &s, Answer &answer) { return getEverything(s.folder, answer); }},
+    {"PathToReference", pathToReference},
+    {"ReferenceToPath", referenceToPath},
+    {"NameToReference", nameToReference},
+    {"SpecToReference", specToReference},
+    {"ReadFork", readFork},
+    {"Walk", walk},
+};
+
+void PrintTo(const Reading &reading, std::ostream *stream)
+{
+    *stream << reading.name;
+}
+
+using Row = std::tuple<DiskKind, Reading>;
+
+class FaultsInReading : public testing::TestWithParam<Row>
+{
+protected:
+    void SetUp() override
+    {
+        const Disk &disk = diskOf(std::get<0>(GetParam()));
+        if (!disk.problem.empty())
+            GTEST_SKIP() << disk.problem;
+        folder_.emplace(disk);
+        makeScene();
+        ASSERT_EQ(read(right_), noErr);
+        ASSERT_EQ(getEverything(scene_.bare, defaults_), noErr);
+        onDisk_ = pictureOf(scene_.directory);
+    }
+
+    OSErr read(Answer &answer) const { return std::get<1>(GetParam()).read(scene_, answer); }
+    bool readWith(const Fault &fault);
+
+private:
+    void makeScene()
+    {
+        scene_.directory = *folder_ / "scene";
+        makeUsualScene(scene_.directory);
+        writeOldFile(scene_.directory + "/bare", "data");
+        FSRef file = refAt(scene_.directory + "/file");
+        EXPECT_EQ(setLock(file, true), noErr);
+        makeOld(scene_.directory + "/file");
+        Scene scene = sceneIn(scene_.directory);
+        scene_.root = scene.root;
+        scene_.file = scene.file;
+        scene_.folder = scene.folder;
+        scene_.bare = refAt(scene_.directory + "/bare");
+        scene_.spec = specOf(scene.file);
+    }
+
+    bool isDefault(const std::string &item, const std::string &value) const;
+
+    std::optional<TemporaryFolder> folder_;
+    ReadingScene scene_{};
+    Answer right_, defaults_;
+    std::string onDisk_;
+};
+
+// Only what Linux has no place for has a default. A walk puts the object's name before the item. Of a date there is a second copy in whole seconds.
+bool FaultsInReading::isDefault(const std::string &item, const std::string &value) const
+{
+    for (const char *kept : {"finder", "created", "backed up", "flags", "hint", "fork"})
+        if (item == kept || item == std::string("file ") + kept) {
+            bool isDate = std::string(kept) == "created" || std::string(kept) == "backed up";
+            std::string right = right_.at(item);
+            return value == defaults_.at(kept) || (isDate && value == right.substr(0, right.find('+')) + "+0");
+        }
+    return false;
+}
+
+bool FaultsInReading::readWith(const Fault &fault)
+{
+    SCOPED_TRACE(testing::Message() << fault);
+    Answer answer;
+    long open = openDescriptors();
+    OSErr result;
+    {
+        FaultyCalls faults(fault);
+        result = read(answer);
+    }
+    SCOPED_TRACE(testing::Message() << FaultyCalls::failedCall() << " failed, the result was " << result);
+    EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
+    EXPECT_EQ(pictureOf(scene_.directory), onDisk_);
+    for (const auto &[item, value] : answer) {
+        auto found = right_.find(item);
+        EXPECT_TRUE(found != right_.end() && (found->second == value || isDefault(item, value))) << item << " = " << value;
+    }
+    if (result == noErr) {
+        EXPECT_EQ(answer.size(), right_.size()) << difference(right_, answer);
+    }
+    return FaultyCalls::reached();
+}
+
+TEST_P(FaultsInReading, GiveAnErrorOrTheTruth)
+{
+    bool reached = true;
+    int nth = 0;
+    while (reached && nth < 1000) {
+        ++nth;
+        for (int errorNumber : {EIO, EACCES, EMFILE})
+            reached = readWith({nth, errorNumber, false});
+        readWith({nth, EIO, true});
+    }
+    EXPECT_GT(nth, 2);
+    EXPECT_LT(nth, 1000);
+}
+
+std::string rowName(const testing::TestParamInfo<Row> &row)
+{
+    return std::string(std::get<1>(row.param).name) + "On" + nameOfKind(std::get<0>(row.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Disks, FaultsInReading,
+                         testing::Combine(testing::Values(DiskKind::tmpfs, DiskKind::ramfs), testing::ValuesIn(readings)), rowName);
+
+}   // namespace

@@ -1,0 +1,110 @@
+// Every change, with each of its system calls failing in turn: what is on the disk afterwards is as before or as after, nothing is lost,
+// nothing is left open, and nothing is left lying about.
+#include "tests/standin/faults_calls.h"
+#include "tests/standin/faults_rounds.h"
+
+#include <cerrno>
+#include <filesystem>
+
+namespace
+{
+
+using namespace support;
+
+// A change may succeed although one of these calls failed, and has then taken place in full. Any other failure must be reported: above all
+// that of every call that writes, but for the two at the end.
+struct Ignored
+{
+    const char *call, *reason;
+};
+
+const Ignored ignoredFailures[] = {
+    {"status", "what is not found under its name is looked for elsewhere; a sidecar that cannot be looked at stays when its file is deleted, and is shown"},
+    {"openAt", "the same; and a folder that cannot be read cannot be locked against other processes, but may be changed"},
+    {"openFolderBeneath", "the way down to a folder is gone level by level then"},
+    {"tryLock", "there are disks without locks"},
+    {"listAttributes", "a lock that may not be read is none; the Finder information is not needed where a sidecar is there already"},
+    {"getAttribute", "the same"},
+    {"readDirectory", "a folder is not empty, and what is in it cannot be read: the second attempt to remove it says so"},
+    {"readAt", "a sidecar that cannot be read stays when its file is deleted, and is shown; an orphan in the way is moved aside unread"},
+    {"copyBytes", "the bytes go through a buffer then"},
+    {"setOwner", "a new sidecar that cannot be given to the file's owner belongs to who made it"},
+    {"unlinkAt", "an old name of a sidecar is hidden and goes later; the sidecar of a deleted file stays, and is shown"},
+};
+
+bool mayBeIgnored(const std::string &call)
+{
+    return std::any_of(std::begin(ignoredFailures), std::end(ignoredFailures), [&](const Ignored &row) { return call == row.call; });
+}
+
+bool hasTemporaries(const std::string &directory)
+{
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(directory))
+        if (entry.path().filename().string().starts_with(".zerb-") && entry.path().filename() != ".zerb-1-1")
+            return true;
+    return false;
+}
+
+class Faults : public ChangeInRounds
+{
+protected:
+    bool runWith(const Fault &fault);
+
+private:
+    void expectRight(const Picture &now, OSErr result, bool fromThenOn);
+};
+
+void Faults::expectRight(const Picture &now, OSErr result, bool fromThenOn)
+{
+    if (result == change().expected) {
+        EXPECT_TRUE(result != noErr || mayBeIgnored(FaultyCalls::failedCall())) << "succeeded although " << FaultyCalls::failedCall() << " failed";
+        EXPECT_TRUE(isDone(now)) << "the result says that all is done, but:" << differences(now);
+        return;
+    }
+    EXPECT_NE(result, noErr);
+    EXPECT_TRUE(mayHaveStopped(now, fromThenOn)) << differences(now);
+}
+
+// False if the change made fewer calls than that.
+bool Faults::runWith(const Fault &fault)
+{
+    SCOPED_TRACE(testing::Message() << fault);
+    std::string directory = makeScene();
+    Scene scene = sceneIn(directory);
+    long open = openDescriptors();
+    OSErr result;
+    {
+        FaultyCalls faults(fault);
+        result = change().run(scene);
+    }
+    EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
+    if (!FaultyCalls::reached()) {
+        EXPECT_EQ(result, change().expected);
+        removeTree(directory);
+        return false;
+    }
+    SCOPED_TRACE(testing::Message() << FaultyCalls::failedCall() << " failed, the result was " << result);
+    EXPECT_TRUE(!hasTemporaries(directory) || FaultyCalls::failedCall() == "unlinkAt" || fault.fromThenOn) << "a temporary was left";
+    expectRight(shown(directory), result, fault.fromThenOn);
+    removeTree(directory);
+    return true;
+}
+
+TEST_P(Faults, LeaveAllAsBeforeOrAsAfter)
+{
+    bool reached = true;
+    int nth = 0;
+    while (reached && nth < 1000) {
+        ++nth;
+        for (int errorNumber : {EIO, ENOSPC, EACCES})
+            if (errorNumber != EACCES || change().expected != fLckdErr)   // a lock that may not be read is none
+                reached = runWith({nth, errorNumber, false});
+        runWith({nth, EIO, true});
+    }
+    EXPECT_GT(nth, 3);
+    EXPECT_LT(nth, 1000);
+}
+
+EVERY_CHANGE_ON_TWO_DISKS(Faults);
+
+}   // namespace
