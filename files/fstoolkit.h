@@ -173,6 +173,5 @@ OSErr FSCopyFileMgrAttributes(const FSRef *sourceRef, const FSRef *destRef, Bool
 //
 // Result: noErr; otherwise FSGetForkCBInfo's code (rfNumErr if no fork is open under that number), unchanged.
 OSErr FileRefNumGetFSRef(SInt16 refNum, FSRef *ref);
-
 }
 #pragma GCC visibility pop

@@ -26,6 +26,5 @@ void CFStringAppendCString(CFMutableStringRef string, const char *text, CFString
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize, CFStringEncoding encoding);
 CFIndex CFStringGetLength(CFStringRef string);   // in UTF-16 code units
 void CFRelease(CFTypeRef object);
-
 }
 #pragma GCC visibility pop

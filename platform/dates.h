@@ -23,6 +23,5 @@ extern "C"
 {
 
 OSStatus GetUTCDateTime(UTCDateTime *utc, OptionBits options);
-
 }
 #pragma GCC visibility pop

@@ -31,6 +31,5 @@ void GetDialogItem(DialogRef dialog, DialogItemIndex itemNumber, DialogItemType 
 // The texts that stand for ^0 to ^3 in alerts
 void ParamText(ConstStr255Param text0, ConstStr255Param text1, ConstStr255Param text2, ConstStr255Param text3);
 DialogItemIndex StopAlert(SInt16 alertID, ModalFilterUPP filter);
-
 }
 #pragma GCC visibility pop

@@ -73,6 +73,5 @@ CGrafPtr GetWindowPort(WindowRef window);
 CGrafPtr GetDialogPort(DialogRef dialog);
 BitMap *GetQDGlobalsScreenBits(BitMap *screenBits);
 GDHandle GetMainDevice(void);
-
 }
 #pragma GCC visibility pop

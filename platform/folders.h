@@ -21,6 +21,5 @@ extern "C"
 {
 
 OSErr FindFolder(SInt16 domain, OSType folderType, Boolean createFolder, SInt16 *foundVRefNum, SInt32 *foundDirID);
-
 }
 #pragma GCC visibility pop

@@ -32,6 +32,5 @@ extern "C"
 OSErr GetIconSuite(IconSuiteRef *suite, SInt16 resID, IconSelectorValue selector);
 OSErr PlotIconSuite(const Rect *rect, IconAlignmentType alignment, IconTransformType transform, IconSuiteRef suite);
 OSErr DisposeIconSuite(IconSuiteRef suite, Boolean disposeData);
-
 }
 #pragma GCC visibility pop

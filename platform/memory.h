@@ -24,6 +24,5 @@ void BlockMoveData(const void *source, void *destination, Size byteCount);   // 
 OSErr MemError(void);
 long FreeMem(void);
 long MaxBlock(void);
-
 }
 #pragma GCC visibility pop

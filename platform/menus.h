@@ -19,6 +19,5 @@ void CheckMenuItem(MenuRef menu, MenuItemIndex item, Boolean checked);
 
 // The menu's ID in the high half of the result and the chosen item in the low half; 0 when nothing was chosen.
 SInt32 PopUpMenuSelect(MenuRef menu, SInt16 top, SInt16 left, MenuItemIndex popUpItem);
-
 }
 #pragma GCC visibility pop

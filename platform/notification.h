@@ -12,6 +12,5 @@ extern "C"
 {
 
 OSStatus FNNotify(const FSRef *ref, UInt32 message, OptionBits flags);
-
 }
 #pragma GCC visibility pop

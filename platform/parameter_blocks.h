@@ -189,6 +189,5 @@ OSErr PBMakeFSRefUnicodeSync(FSRefParamPtr paramBlock);
 OSErr PBGetVolMountInfoSize(ParmBlkPtr paramBlock);
 OSErr PBGetVolMountInfo(ParmBlkPtr paramBlock);
 OSErr PBVolumeMount(ParmBlkPtr paramBlock);
-
 }
 #pragma GCC visibility pop

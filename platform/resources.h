@@ -23,6 +23,5 @@ void DetachResource(Handle resource);
 void ReleaseResource(Handle resource);
 void SetResLoad(Boolean load);
 void GetResInfo(Handle resource, SInt16 *resID, ResType *type, Str255 name);
-
 }
 #pragma GCC visibility pop

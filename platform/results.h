@@ -7,30 +7,30 @@
 constexpr OSErr noErr = 0;
 
 // Files and volumes
-constexpr OSErr dskFulErr = -34;         // no room left on the volume
-constexpr OSErr nsvErr = -35;            // no such volume
-constexpr OSErr ioErr = -36;             // reading or writing failed
-constexpr OSErr bdNamErr = -37;          // a name that cannot be
-constexpr OSErr eofErr = -39;            // end of the fork reached
-constexpr OSErr posErr = -40;            // a position before the start
-constexpr OSErr tmfoErr = -42;           // too many files open
-constexpr OSErr fnfErr = -43;            // no such file or folder
-constexpr OSErr wPrErr = -44;            // the volume is locked by its hardware
-constexpr OSErr fLckdErr = -45;          // the file is locked
-constexpr OSErr vLckdErr = -46;          // the volume is locked by software
-constexpr OSErr fBsyErr = -47;           // the object is in use
-constexpr OSErr dupFNErr = -48;          // an object of that name exists already
-constexpr OSErr opWrErr = -49;           // the fork is open for writing already
-constexpr OSErr paramErr = -50;          // an argument that cannot be
-constexpr OSErr rfNumErr = -51;          // no open fork has that reference number
-constexpr OSErr permErr = -54;           // the volume or fork may not be written
-constexpr OSErr dirNFErr = -120;         // no such directory
-constexpr OSErr fidNotFound = -1300;     // no such file ID
-constexpr OSErr fidExists = -1301;       // the file has an ID already
-constexpr OSErr notAFileErr = -1302;     // a folder where a file was wanted
-constexpr OSErr diffVolErr = -1303;      // the objects are on different volumes
-constexpr OSErr afpAccessDenied = -5000; // the user may not do this
-constexpr OSErr afpIDExists = -5035;     // the file has an ID already, says a server
+constexpr OSErr dskFulErr = -34;           // no room left on the volume
+constexpr OSErr nsvErr = -35;              // no such volume
+constexpr OSErr ioErr = -36;               // reading or writing failed
+constexpr OSErr bdNamErr = -37;            // a name that cannot be
+constexpr OSErr eofErr = -39;              // end of the fork reached
+constexpr OSErr posErr = -40;              // a position before the start
+constexpr OSErr tmfoErr = -42;             // too many files open
+constexpr OSErr fnfErr = -43;              // no such file or folder
+constexpr OSErr wPrErr = -44;              // the volume is locked by its hardware
+constexpr OSErr fLckdErr = -45;            // the file is locked
+constexpr OSErr vLckdErr = -46;            // the volume is locked by software
+constexpr OSErr fBsyErr = -47;             // the object is in use
+constexpr OSErr dupFNErr = -48;            // an object of that name exists already
+constexpr OSErr opWrErr = -49;             // the fork is open for writing already
+constexpr OSErr paramErr = -50;            // an argument that cannot be
+constexpr OSErr rfNumErr = -51;            // no open fork has that reference number
+constexpr OSErr permErr = -54;             // the volume or fork may not be written
+constexpr OSErr dirNFErr = -120;           // no such directory
+constexpr OSErr fidNotFound = -1300;       // no such file ID
+constexpr OSErr fidExists = -1301;         // the file has an ID already
+constexpr OSErr notAFileErr = -1302;       // a folder where a file was wanted
+constexpr OSErr diffVolErr = -1303;        // the objects are on different volumes
+constexpr OSErr afpAccessDenied = -5000;   // the user may not do this
+constexpr OSErr afpIDExists = -5035;       // the file has an ID already, says a server
 
 // Files by reference
 constexpr OSErr errFSBadFSRef = -1401;

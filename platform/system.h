@@ -12,6 +12,5 @@ extern "C"
 {
 
 OSErr Gestalt(OSType selector, SInt32 *response);
-
 }
 #pragma GCC visibility pop

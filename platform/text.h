@@ -40,20 +40,17 @@ UInt32 GetTextEncodingBase(TextEncoding encoding);
 
 OSStatus CreateUnicodeToTextInfo(const UnicodeMapping *mapping, UnicodeToTextInfo *converter);
 OSStatus ConvertFromUnicodeToText(UnicodeToTextInfo converter, ByteCount inputLength, const UniChar *input, OptionBits flags,
-                                  ItemCount offsetCount, const ByteOffset *offsets, ItemCount *outputOffsetCount,
-                                  ByteOffset *outputOffsets, ByteCount outputCapacity, ByteCount *bytesRead,
-                                  ByteCount *bytesWritten, void *output);
+                                  ItemCount offsetCount, const ByteOffset *offsets, ItemCount *outputOffsetCount, ByteOffset *outputOffsets,
+                                  ByteCount outputCapacity, ByteCount *bytesRead, ByteCount *bytesWritten, void *output);
 OSStatus DisposeUnicodeToTextInfo(UnicodeToTextInfo *converter);
 
 OSStatus CreateTextToUnicodeInfo(const UnicodeMapping *mapping, TextToUnicodeInfo *converter);
 OSStatus ConvertFromTextToUnicode(TextToUnicodeInfo converter, ByteCount inputLength, const void *input, OptionBits flags,
-                                  ItemCount offsetCount, const ByteOffset *offsets, ItemCount *outputOffsetCount,
-                                  ByteOffset *outputOffsets, ByteCount outputCapacity, ByteCount *bytesRead,
-                                  ByteCount *bytesWritten, UniChar *output);
+                                  ItemCount offsetCount, const ByteOffset *offsets, ItemCount *outputOffsetCount, ByteOffset *outputOffsets,
+                                  ByteCount outputCapacity, ByteCount *bytesRead, ByteCount *bytesWritten, UniChar *output);
 OSStatus DisposeTextToUnicodeInfo(TextToUnicodeInfo *converter);
 
 void NumToString(SInt32 number, Str255 text);
 void StringToNum(ConstStr255Param text, SInt32 *number);
-
 }
 #pragma GCC visibility pop

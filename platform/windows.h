@@ -11,6 +11,5 @@ extern "C"
 
 OSStatus CreateNewWindow(UInt32 windowClass, UInt32 attributes, const Rect *contentBounds, WindowRef *window);
 void DisposeWindow(WindowRef window);
-
 }
 #pragma GCC visibility pop

@@ -12,15 +12,21 @@ using CatalogFinder = CatalogTest;
 
 // What every change does after it has read: it writes, then bumps the date of the parent, which tells its watchers.
 const Calls changeOfFile = {
-    "FSGetCatalogInfo(ref:file, 0x800, info, -, -, parent)", "FSSetCatalogInfo(ref:file, 0x800, info)",
-    "FSGetCatalogInfo(ref:folder, 0x42, info, -, -, parent)", "GetUTCDateTime(date, 0)",
-    "FSSetCatalogInfo(ref:folder, 0x40, info)", "FNNotify(ref:folder, 1, 0)",
+    "FSGetCatalogInfo(ref:file, 0x800, info, -, -, parent)",
+    "FSSetCatalogInfo(ref:file, 0x800, info)",
+    "FSGetCatalogInfo(ref:folder, 0x42, info, -, -, parent)",
+    "GetUTCDateTime(date, 0)",
+    "FSSetCatalogInfo(ref:folder, 0x40, info)",
+    "FNNotify(ref:folder, 1, 0)",
 };
 
 const Calls changeOfFilesTypeAndCreator = {
-    "FSGetCatalogInfo(ref:file, 0x802, info, -, -, parent)", "FSSetCatalogInfo(ref:file, 0x800, info)",
-    "FSGetCatalogInfo(ref:folder, 0x42, info, -, -, parent)", "GetUTCDateTime(date, 0)",
-    "FSSetCatalogInfo(ref:folder, 0x40, info)", "FNNotify(ref:folder, 1, 0)",
+    "FSGetCatalogInfo(ref:file, 0x802, info, -, -, parent)",
+    "FSSetCatalogInfo(ref:file, 0x800, info)",
+    "FSGetCatalogInfo(ref:folder, 0x42, info, -, -, parent)",
+    "GetUTCDateTime(date, 0)",
+    "FSSetCatalogInfo(ref:folder, 0x40, info)",
+    "FNNotify(ref:folder, 1, 0)",
 };
 
 TEST_F(CatalogFinder, InformationIsSetOnlyWhereGiven)
@@ -30,10 +36,9 @@ TEST_F(CatalogFinder, InformationIsSetOnlyWhereGiven)
         bool giveInfo, giveExtended;
         const char *call;
     };
-    for (const Row &row : {Row{true, true, "FSSetCatalogInfo(ref:file, 0x1800, info)"},
-                           Row{true, false, "FSSetCatalogInfo(ref:file, 0x800, info)"},
-                           Row{false, true, "FSSetCatalogInfo(ref:file, 0x1000, info)"},
-                           Row{false, false, "FSSetCatalogInfo(ref:file, 0x0, info)"}})
+    for (const Row &row :
+         {Row{true, true, "FSSetCatalogInfo(ref:file, 0x1800, info)"}, Row{true, false, "FSSetCatalogInfo(ref:file, 0x800, info)"},
+          Row{false, true, "FSSetCatalogInfo(ref:file, 0x1000, info)"}, Row{false, false, "FSSetCatalogInfo(ref:file, 0x0, info)"}})
     {
         SCOPED_TRACE(row.call);
         FinderInfo info;
@@ -188,10 +193,14 @@ void PrintTo(const FlagCase &row, std::ostream *stream)
 }
 
 const FlagCase flagCases[] = {
-    {"SetInvisible", FSSetInvisible, 0x4000, true},           {"ClearInvisible", FSClearInvisible, 0x4000, false},
-    {"SetNameLocked", FSSetNameLocked, 0x1000, true},         {"ClearNameLocked", FSClearNameLocked, 0x1000, false},
-    {"SetIsStationery", FSSetIsStationery, 0x0800, true},     {"ClearIsStationery", FSClearIsStationery, 0x0800, false},
-    {"SetHasCustomIcon", FSSetHasCustomIcon, 0x0400, true},   {"ClearHasCustomIcon", FSClearHasCustomIcon, 0x0400, false},
+    {"SetInvisible", FSSetInvisible, 0x4000, true},
+    {"ClearInvisible", FSClearInvisible, 0x4000, false},
+    {"SetNameLocked", FSSetNameLocked, 0x1000, true},
+    {"ClearNameLocked", FSClearNameLocked, 0x1000, false},
+    {"SetIsStationery", FSSetIsStationery, 0x0800, true},
+    {"ClearIsStationery", FSClearIsStationery, 0x0800, false},
+    {"SetHasCustomIcon", FSSetHasCustomIcon, 0x0400, true},
+    {"ClearHasCustomIcon", FSClearHasCustomIcon, 0x0400, false},
     {"ClearHasBeenInited", FSClearHasBeenInited, 0x0100, false},
 };
 

@@ -18,9 +18,18 @@ TEST_F(CatalogLocks, FirstLockFoundIsTheAnswer)
         OSErr expected;
     };
     for (const Row &row : {
-             Row{0x0000, 0x0000, noErr},    Row{0x0000, 0x8000, vLckdErr}, Row{0x0000, 0x0080, wPrErr},   Row{0x0000, 0x8080, wPrErr},
-             Row{0x0001, 0x0000, fLckdErr}, Row{0x0001, 0x8000, fLckdErr}, Row{0x0001, 0x0080, fLckdErr}, Row{0x0001, 0x8080, fLckdErr},
-             Row{0xFFFE, 0x7F7F, noErr},    Row{0xFFFE, 0xFF7F, vLckdErr}, Row{0xFFFE, 0xFFFF, wPrErr},   Row{0xFFFF, 0xFFFF, fLckdErr},
+             Row{0x0000, 0x0000, noErr},
+             Row{0x0000, 0x8000, vLckdErr},
+             Row{0x0000, 0x0080, wPrErr},
+             Row{0x0000, 0x8080, wPrErr},
+             Row{0x0001, 0x0000, fLckdErr},
+             Row{0x0001, 0x8000, fLckdErr},
+             Row{0x0001, 0x0080, fLckdErr},
+             Row{0x0001, 0x8080, fLckdErr},
+             Row{0xFFFE, 0x7F7F, noErr},
+             Row{0xFFFE, 0xFF7F, vLckdErr},
+             Row{0xFFFE, 0xFFFF, wPrErr},
+             Row{0xFFFF, 0xFFFF, fLckdErr},
          })
     {
         SCOPED_TRACE(hex(row.nodeFlags) + " on " + hex(row.volumeFlags));

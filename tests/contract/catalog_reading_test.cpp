@@ -30,8 +30,7 @@ TEST_F(CatalogReading, ReferenceIsMadeFromVolumeDirectoryAndName)
     platform.nameAddress(name, "caller's name");
     platform.nameAddress(&outputs.ref, "caller's ref");
     EXPECT_EQ(FSMakeFSRef(-100, static_cast<SInt32>(infoOf("folder").nodeID), name, &outputs.ref), noErr);
-    EXPECT_EQ(platform.calls(),
-              Calls{"PBMakeFSRefSync(ioVRefNum=-100, ioDirID=17, ioNamePtr=caller's name, newRef=caller's ref)"});
+    EXPECT_EQ(platform.calls(), Calls{"PBMakeFSRefSync(ioVRefNum=-100, ioDirID=17, ioNamePtr=caller's name, newRef=caller's ref)"});
     EXPECT_EQ(outputs.ref, file);
 }
 

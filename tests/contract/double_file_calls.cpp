@@ -56,13 +56,13 @@ FileObject *findChild(FilesDouble &files, const FileObject &directory, ConstStr2
 
 }   // namespace
 
-OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo, HFSUniStr255 *outName,
-                       FSSpec *fsSpec, FSRef *parentRef)
+OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfo, HFSUniStr255 *outName, FSSpec *fsSpec,
+                       FSRef *parentRef)
 {
     PlatformDouble &platform = PlatformDouble::current();
-    const OSErr failure = platform.record("FSGetCatalogInfo",
-        {platform.files.describe(ref), hex(whichInfo), platform.pointer(catalogInfo, "info"), platform.pointer(outName, "name"),
-         platform.pointer(fsSpec, "spec"), platform.pointer(parentRef, "parent")});
+    const OSErr failure = platform.record("FSGetCatalogInfo", {platform.files.describe(ref), hex(whichInfo),
+                                                               platform.pointer(catalogInfo, "info"), platform.pointer(outName, "name"),
+                                                               platform.pointer(fsSpec, "spec"), platform.pointer(parentRef, "parent")});
     if (failure != noErr)
         return failure;
 
@@ -88,8 +88,8 @@ OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalo
 OSErr FSSetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, const FSCatalogInfo *catalogInfo)
 {
     PlatformDouble &platform = PlatformDouble::current();
-    const OSErr failure = platform.record("FSSetCatalogInfo",
-        {platform.files.describe(ref), hex(whichInfo), platform.pointer(catalogInfo, "info")});
+    const OSErr failure =
+        platform.record("FSSetCatalogInfo", {platform.files.describe(ref), hex(whichInfo), platform.pointer(catalogInfo, "info")});
     if (failure != noErr)
         return failure;
 
@@ -110,9 +110,9 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
                       FSVolumeInfo *info, HFSUniStr255 *volumeName, FSRef *rootDirectory)
 {
     PlatformDouble &platform = PlatformDouble::current();
-    const OSErr failure = platform.record("FSGetVolumeInfo",
-        {decimal(volume), decimal(volumeIndex), platform.pointer(actualVolume, "actual"), hex(whichInfo),
-         platform.pointer(info, "info"), platform.pointer(volumeName, "name"), platform.pointer(rootDirectory, "root")});
+    const OSErr failure = platform.record(
+        "FSGetVolumeInfo", {decimal(volume), decimal(volumeIndex), platform.pointer(actualVolume, "actual"), hex(whichInfo),
+                            platform.pointer(info, "info"), platform.pointer(volumeName, "name"), platform.pointer(rootDirectory, "root")});
     if (failure != noErr)
         return failure;
 
@@ -137,10 +137,10 @@ OSErr PBMakeFSRefSync(FSRefParamPtr paramBlock)
 {
     PlatformDouble &platform = PlatformDouble::current();
     const std::string name = quoted(paramBlock->ioNamePtr);
-    const OSErr failure = platform.record("PBMakeFSRefSync",
-        {field("ioVRefNum", decimal(paramBlock->ioVRefNum)), field("ioDirID", decimal(paramBlock->ioDirID)),
-         field("ioNamePtr", platform.pointer(paramBlock->ioNamePtr, name)),
-         field("newRef", platform.pointer(paramBlock->newRef, "ref"))});
+    const OSErr failure = platform.record("PBMakeFSRefSync", {field("ioVRefNum", decimal(paramBlock->ioVRefNum)),
+                                                              field("ioDirID", decimal(paramBlock->ioDirID)),
+                                                              field("ioNamePtr", platform.pointer(paramBlock->ioNamePtr, name)),
+                                                              field("newRef", platform.pointer(paramBlock->newRef, "ref"))});
     std::memcpy(platform.files.lastReferenceBlock.data(), paramBlock, sizeof *paramBlock);
     if (failure != noErr)
         return failure;
@@ -156,13 +156,14 @@ OSErr PBMakeFSRefSync(FSRefParamPtr paramBlock)
     return noErr;
 }
 
-OSErr FSGetForkCBInfo(SInt16 desiredRefNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actualRefNum, FSForkInfo *forkInfo,
-                      FSRef *ref, HFSUniStr255 *outForkName)
+OSErr FSGetForkCBInfo(SInt16 desiredRefNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actualRefNum, FSForkInfo *forkInfo, FSRef *ref,
+                      HFSUniStr255 *outForkName)
 {
     PlatformDouble &platform = PlatformDouble::current();
-    const OSErr failure = platform.record("FSGetForkCBInfo",
-        {decimal(desiredRefNum), decimal(volume), platform.pointer(iterator, "iterator"), platform.pointer(actualRefNum, "actual"),
-         platform.pointer(forkInfo, "info"), platform.pointer(ref, "ref"), platform.pointer(outForkName, "name")});
+    const OSErr failure =
+        platform.record("FSGetForkCBInfo", {decimal(desiredRefNum), decimal(volume), platform.pointer(iterator, "iterator"),
+                                            platform.pointer(actualRefNum, "actual"), platform.pointer(forkInfo, "info"),
+                                            platform.pointer(ref, "ref"), platform.pointer(outForkName, "name")});
     if (failure != noErr)
         return failure;
 

@@ -38,22 +38,14 @@ constexpr RecordField catalogFields[] = {
 };
 
 constexpr RecordField volumeFields[] = {
-    {kFSVolInfoCreateDate, offsetof(FSVolumeInfo, createDate), 8},
-    {kFSVolInfoModDate, offsetof(FSVolumeInfo, modifyDate), 8},
-    {kFSVolInfoBackupDate, offsetof(FSVolumeInfo, backupDate), 8},
-    {kFSVolInfoCheckedDate, offsetof(FSVolumeInfo, checkedDate), 8},
-    {kFSVolInfoFileCount, offsetof(FSVolumeInfo, fileCount), 4},
-    {kFSVolInfoDirCount, offsetof(FSVolumeInfo, folderCount), 4},
-    {kFSVolInfoSizes, offsetof(FSVolumeInfo, totalBytes), 16},
-    {kFSVolInfoBlocks, offsetof(FSVolumeInfo, blockSize), 12},
-    {kFSVolInfoNextAlloc, offsetof(FSVolumeInfo, nextAllocation), 4},
-    {kFSVolInfoRsrcClump, offsetof(FSVolumeInfo, rsrcClumpSize), 4},
-    {kFSVolInfoDataClump, offsetof(FSVolumeInfo, dataClumpSize), 4},
-    {kFSVolInfoNextID, offsetof(FSVolumeInfo, nextCatalogID), 4},
-    {kFSVolInfoFinderInfo, offsetof(FSVolumeInfo, finderInfo), 32},
-    {kFSVolInfoFlags, offsetof(FSVolumeInfo, flags), 2},
-    {kFSVolInfoFSInfo, offsetof(FSVolumeInfo, filesystemID), 4},
-    {kFSVolInfoDriveInfo, offsetof(FSVolumeInfo, driveNumber), 4},
+    {kFSVolInfoCreateDate, offsetof(FSVolumeInfo, createDate), 8},    {kFSVolInfoModDate, offsetof(FSVolumeInfo, modifyDate), 8},
+    {kFSVolInfoBackupDate, offsetof(FSVolumeInfo, backupDate), 8},    {kFSVolInfoCheckedDate, offsetof(FSVolumeInfo, checkedDate), 8},
+    {kFSVolInfoFileCount, offsetof(FSVolumeInfo, fileCount), 4},      {kFSVolInfoDirCount, offsetof(FSVolumeInfo, folderCount), 4},
+    {kFSVolInfoSizes, offsetof(FSVolumeInfo, totalBytes), 16},        {kFSVolInfoBlocks, offsetof(FSVolumeInfo, blockSize), 12},
+    {kFSVolInfoNextAlloc, offsetof(FSVolumeInfo, nextAllocation), 4}, {kFSVolInfoRsrcClump, offsetof(FSVolumeInfo, rsrcClumpSize), 4},
+    {kFSVolInfoDataClump, offsetof(FSVolumeInfo, dataClumpSize), 4},  {kFSVolInfoNextID, offsetof(FSVolumeInfo, nextCatalogID), 4},
+    {kFSVolInfoFinderInfo, offsetof(FSVolumeInfo, finderInfo), 32},   {kFSVolInfoFlags, offsetof(FSVolumeInfo, flags), 2},
+    {kFSVolInfoFSInfo, offsetof(FSVolumeInfo, filesystemID), 4},      {kFSVolInfoDriveInfo, offsetof(FSVolumeInfo, driveNumber), 4},
 };
 
 template <typename Record, std::size_t Count>

@@ -11,6 +11,7 @@
 
 #include "tests/contract/double_dates.h"
 #include "tests/contract/double_files.h"
+#include "tests/contract/double_text.h"
 #include "tests/contract/recorder.h"
 
 class PlatformDouble : public Recorder
@@ -26,4 +27,5 @@ public:
 
     FilesDouble files;
     DatesDouble dates;
+    TextDouble text;
 };
