@@ -6,6 +6,7 @@
 #include "standin/files/forks.h"
 #include "standin/files/listings.h"
 #include "standin/files/metadata.h"
+#include "standin/files/short_lookups.h"
 #include "standin/files/names.h"
 
 #include <cstring>

@@ -4,7 +4,7 @@
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
 #include "standin/files/names.h"
-#include "standin/files/sidecar_store.h"
+#include "standin/files/sidecar_carrying.h"
 
 #include <fcntl.h>
 

@@ -1,7 +1,6 @@
-#include "standin/files/linux_calls.h"
+#include "standin/files/linux_repeated.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -13,58 +12,16 @@
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 #include <vector>
 
 namespace standin
 {
 
+using namespace linux_calls;
+
 namespace
 {
-
-// Linux 6.13; older headers do not know them.
-constexpr long getAttributeAtCall = 464;
-constexpr long listAttributesAtCall = 465;
-std::atomic<bool> attributesAtFolders{true};   // until the kernel says that it has no such call
-
-struct AttributeArguments   // the kernel's struct xattr_args
-{
-    std::uint64_t value;
-    std::uint32_t size;
-    std::uint32_t flags;
-};
-
-std::atomic<std::uint64_t> callCount{0};
-std::atomic<linux_calls::CallFilter> callFilter{nullptr};
-
-// Makes one system call, again if a signal interrupted it.
-template <typename Call>
-auto repeated(Call call, const char *name = __builtin_FUNCTION()) -> decltype(call())
-{
-    for (;;)
-    {
-        callCount.fetch_add(1, std::memory_order_relaxed);
-        const auto filter = callFilter.load(std::memory_order_relaxed);
-        if (const int wanted = filter ? filter(name) : 0)
-            return static_cast<decltype(call())>(-wanted);
-        const auto result = call();
-        if (result >= 0)
-            return result;
-        if (errno != EINTR)
-            return static_cast<decltype(result)>(-errno);
-    }
-}
-
-std::string throughDescriptor(int descriptor)
-{
-    return "/proc/self/fd/" + std::to_string(descriptor);
-}
-
-std::string throughDescriptor(int folder, const char *name)
-{
-    return throughDescriptor(folder) + '/' + name;
-}
 
 std::timespec fromStatx(const statx_timestamp &time)
 {
@@ -257,47 +214,6 @@ std::string currentDirectory()
     std::string path(65536, '\0');
     callCount.fetch_add(1, std::memory_order_relaxed);
     return ::getcwd(path.data(), path.size()) ? std::string(path.c_str()) : std::string();
-}
-
-ssize_t listAttributes(int folder, const char *name, std::span<char> names)
-{
-    if (attributesAtFolders.load(std::memory_order_relaxed))
-    {
-        const auto result =
-            repeated([&] { return ::syscall(listAttributesAtCall, folder, name, AT_SYMLINK_NOFOLLOW, names.data(), names.size()); });
-        if (result != -ENOSYS)
-            return static_cast<ssize_t>(result);
-        attributesAtFolders = false;
-    }
-    const std::string path = throughDescriptor(folder, name);
-    return repeated([&] { return ::llistxattr(path.c_str(), names.data(), names.size()); });
-}
-
-ssize_t getAttribute(int folder, const char *name, const char *attribute, std::span<std::uint8_t> value)
-{
-    if (attributesAtFolders.load(std::memory_order_relaxed))
-    {
-        AttributeArguments arguments{reinterpret_cast<std::uintptr_t>(value.data()), static_cast<std::uint32_t>(value.size()), 0};
-        const auto result = repeated(
-            [&] { return ::syscall(getAttributeAtCall, folder, name, AT_SYMLINK_NOFOLLOW, attribute, &arguments, sizeof arguments); });
-        if (result != -ENOSYS)
-            return static_cast<ssize_t>(result);
-        attributesAtFolders = false;
-    }
-    const std::string path = throughDescriptor(folder, name);
-    return repeated([&] { return ::lgetxattr(path.c_str(), attribute, value.data(), value.size()); });
-}
-
-int setAttribute(int descriptor, const char *attribute, std::span<const std::uint8_t> value)
-{
-    const std::string path = throughDescriptor(descriptor);
-    return repeated([&] { return ::setxattr(path.c_str(), attribute, value.data(), value.size(), 0); });
-}
-
-int removeAttribute(int descriptor, const char *attribute)
-{
-    const std::string path = throughDescriptor(descriptor);
-    return repeated([&] { return ::removexattr(path.c_str(), attribute); });
 }
 
 int setTimes(int descriptor, const std::timespec times[2])

@@ -2,6 +2,7 @@
 #include "platform/platform.h"
 #include "standin/files/names.h"
 #include "standin/files/references.h"
+#include "standin/files/short_lookups.h"
 
 #include <algorithm>
 

@@ -378,8 +378,7 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
         change(changed);
         if (!attributes.possible)
             return writeToSidecarAlone(object, parts, present, withParts(present, present.own, parts, changed));
-        return writeToBoth(object, descriptor, attributes, parts,
-                           withParts(present, attributes.own.value_or(OwnRecord{}), parts, changed));
+        return writeToBoth(object, descriptor, attributes, parts, withParts(present, attributes.own.value_or(OwnRecord{}), parts, changed));
     });
 }
 

@@ -2,8 +2,9 @@
 #include "platform/platform.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
+#include "standin/files/moved_objects.h"
 #include "standin/files/names.h"
-#include "standin/files/sidecar_store.h"
+#include "standin/files/sidecar_carrying.h"
 
 using namespace standin;
 

@@ -2,66 +2,18 @@
 
 #include "standin/files/errors.h"
 #include "standin/files/listings.h"
-#include "standin/files/names.h"
+#include "standin/files/moved_objects.h"
 #include "standin/files/reference_format.h"
 
 #include <cerrno>
 #include <algorithm>
 #include <fcntl.h>
-#include <list>
-#include <mutex>
-#include <shared_mutex>
-#include <unordered_map>
 
 namespace standin
 {
 
 namespace
 {
-
-// --- what this process moved ---------------------------------------------------------------------------------------------------------
-
-struct Place
-{
-    UInt32 parentID;
-    std::string name;
-};
-
-struct MovedTable
-{
-    static constexpr std::size_t most = 65536;
-    std::mutex mutex;
-    std::unordered_map<std::uint64_t, std::list<std::pair<std::uint64_t, Place>>::iterator> byObject;
-    std::list<std::pair<std::uint64_t, Place>> places;   // the oldest first
-};
-
-// Look-ups away from an object's own name share it; a change of place has it alone.
-std::shared_mutex &placeMutex()
-{
-    static std::shared_mutex mutex;
-    return mutex;
-}
-
-MovedTable &moved()
-{
-    static MovedTable table;
-    return table;
-}
-
-std::uint64_t keyOf(const Volume &volume, const Identity &identity)
-{
-    return (identity.inode * 0x9E3779B97F4A7C15u) ^ (identity.device << 16) ^ static_cast<UInt16>(volume.number);
-}
-
-bool recallMoved(const Volume &volume, const Identity &identity, Place &place)
-{
-    const std::lock_guard lock(moved().mutex);
-    const auto found = moved().byObject.find(keyOf(volume, identity));
-    if (found == moved().byObject.end())
-        return false;
-    place = found->second->second;
-    return true;
-}
 
 // --- is this object the one that the reference means? ----------------------------------------------------------------------------------
 
@@ -204,7 +156,7 @@ OSErr find(const FSRef *reference, Object &object, Anchoring anchoring)
     const OSErr opened = openFolder(*object.volume, fields.parentID, object.folder, anchoring);
     if (opened == noErr && findUnderOwnName(fields, object))
         return noErr;
-    const std::shared_lock noChange(placeMutex());
+    const PlacesHeld noChange;
     if (findWhereMoved(fields, object, anchoring) || (opened == noErr && findInSameFolder(fields, object)) || findByInode(fields, object))
         return noErr;
     return opened == noErr ? static_cast<OSErr>(fnfErr) : opened;
@@ -221,54 +173,7 @@ Object withPlace(const VolumeHandle &volume, UInt32 parentID, FolderHandle folde
     return object;
 }
 
-// A plain short name is only good if nothing stands before the object among the names that it is looked up by.
-bool plainNameLeadsBack(const Object &object, ConstStr255Param name)
-{
-    std::vector<std::string> candidates;
-    if (lookupNamesFromPascal(name, candidates) != noErr)
-        return false;
-    for (const std::string &candidate : candidates)
-    {
-        if (candidate == object.name)
-            return true;
-        ObjectStatus status;
-        if (linux_calls::statusAt(object.folder->number(), candidate.c_str(), status) == 0)
-            return false;
-    }
-    return false;
-}
-
-bool samePascalString(ConstStr255Param a, ConstStr255Param b)
-{
-    return std::equal(a, a + a[0] + 1, b, b + b[0] + 1);
-}
-
-// Whether another entry of the folder is called by this short form too, plainly or by its own hash.
-bool isTakenByAnother(const Object &object, ConstStr255Param form, int digits)
-{
-    const auto clashes = namesWhere(object.folder->number(), [&](std::string_view other) {
-        Str63 plain, hashed;
-        if (other == object.name)
-            return false;
-        if (plainShortName(other, plain))
-            return samePascalString(plain, form);
-        hashedShortName(other, digits, hashed);
-        return samePascalString(hashed, form);
-    });
-    return !clashes.empty();
-}
-
 }   // namespace
-
-PlaceChange::PlaceChange()
-{
-    placeMutex().lock();
-}
-
-PlaceChange::~PlaceChange()
-{
-    placeMutex().unlock();
-}
 
 UInt32 Object::nodeID() const
 {
@@ -303,36 +208,6 @@ OSErr findFirstNamed(const VolumeHandle &volume, UInt32 parentID, const std::vec
         if ((result = findNamed(volume, parentID, diskName, object)) != fnfErr)
             return result;
     return result;
-}
-
-OSErr findShortNamed(const VolumeHandle &volume, UInt32 parentID, ConstStr255Param name, Object &object)
-{
-    std::vector<std::string> candidates;
-    if (OSErr result = lookupNamesFromPascal(name, candidates))
-        return result;
-    const OSErr result = findFirstNamed(volume, parentID, candidates, object);
-    const int digits = hashDigitsOf(name);
-    if (result != fnfErr || digits == 0)
-        return result;
-    FolderHandle folder;
-    if (OSErr failure = openFolder(*volume, parentID, folder))
-        return failure;
-    const auto names = namesWhere(folder->number(), [&](std::string_view entry) {
-        Str63 form;
-        hashedShortName(entry, digits, form);
-        return samePascalString(form, name);
-    });
-    for (const std::string &entry : names)
-    {
-        Str63 form;
-        object = withPlace(volume, parentID, folder, entry);
-        if (statusNamed(object) != noErr)
-            continue;
-        makeShortName(object, form);
-        if (samePascalString(form, name))   // two names made to agree in every digit: neither is guessed
-            return digits == mostHashDigits && isTakenByAnother(object, name, digits) ? bdNamErr : noErr;
-    }
-    return fnfErr;
 }
 
 OSErr findRoot(const VolumeHandle &volume, Object &object)
@@ -393,40 +268,6 @@ FSRef makeParentReference(const Object &object)
     fields.time = folder.identity.birth;
     fields.timeIsBirth = folder.identity.birth != 0;
     return writeReference(fields, folder.name);
-}
-
-void makeShortName(const Object &object, Str63 name)
-{
-    const std::string_view diskName = object.isRoot() ? std::string_view(object.volume->name) : std::string_view(object.name);
-    if (plainShortName(diskName, name) && (object.isRoot() || plainNameLeadsBack(object, name)))
-        return;
-    for (int digits = fewestHashDigits;; ++digits)
-    {
-        hashedShortName(diskName, digits, name);
-        if (object.isRoot() || digits == mostHashDigits || !isTakenByAnother(object, name, digits))
-            return;
-    }
-}
-
-void noteMoved(const Object &object, UInt32 newParentID, std::string_view newName)
-{
-    if (object.isFolder())
-    {
-        rememberFolder(*object.volume, newParentID, newName, object.identity());
-        return;
-    }
-    const std::uint64_t key = keyOf(*object.volume, object.identity());
-    const std::lock_guard lock(moved().mutex);
-    auto &[mutex, byObject, places] = moved();
-    if (const auto known = byObject.find(key); known != byObject.end())
-        places.erase(known->second);
-    places.emplace_back(key, Place{newParentID, std::string(newName)});
-    byObject[key] = std::prev(places.end());
-    if (places.size() > MovedTable::most)
-    {
-        byObject.erase(places.front().first);
-        places.pop_front();
-    }
 }
 
 }   // namespace standin

@@ -44,9 +44,8 @@ OSErr findObjectAnew(const FSRef *reference, Object &object);
 // Looks a name up in a folder by its disk name. Result: noErr; fnfErr; dirNFErr.
 OSErr findNamed(const VolumeHandle &volume, UInt32 parentID, const std::string &diskName, Object &object);
 
-// Tries disk names in order, and then, where nothing has one of them, the short forms of the folder's longer names.
+// Tries disk names in order.
 OSErr findFirstNamed(const VolumeHandle &volume, UInt32 parentID, const std::vector<std::string> &diskNames, Object &object);
-OSErr findShortNamed(const VolumeHandle &volume, UInt32 parentID, ConstStr255Param name, Object &object);
 
 OSErr findRoot(const VolumeHandle &volume, Object &object);
 OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object);
@@ -59,21 +58,5 @@ FSRef makeListedReference(const Object &folder, UInt32 folderID, const Entry &en
 
 // The reference to an object's parent folder; 80 zero bytes for a volume's root.
 FSRef makeParentReference(const Object &object);
-
-// The short name of an object for an FSSpec: plain where that leads back to it, else with a hash.
-void makeShortName(const Object &object, Str63 name);
-
-// Held while an object changes its place and that is noted, so that no look-up of this process falls between the two.
-class PlaceChange
-{
-public:
-    PlaceChange();
-    ~PlaceChange();
-    PlaceChange(const PlaceChange &) = delete;
-    PlaceChange &operator=(const PlaceChange &) = delete;
-};
-
-// Notes that this process gave an object another place, so that references made before find it.
-void noteMoved(const Object &object, UInt32 newParentID, std::string_view newName);
 
 }   // namespace standin

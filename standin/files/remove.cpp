@@ -4,7 +4,7 @@
 #include "standin/files/errors.h"
 #include "standin/files/listings.h"
 #include "standin/files/names.h"
-#include "standin/files/sidecar_store.h"
+#include "standin/files/sidecar_carrying.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -16,10 +16,10 @@ namespace standin
 namespace
 {
 
-constexpr std::size_t headSize = 1024;                   // one read has the table and, in most sidecars, every small entry
+constexpr std::size_t headSize = 1024;   // one read has the table and, in most sidecars, every small entry
 constexpr std::size_t blankForkSize = 286;
-constexpr std::size_t smallEntrySize = 64;               // no entry that we read or write at once is longer
-constexpr std::uint64_t largestSmallEntry = 1 << 24;     // more than any writer's entry but the fork
+constexpr std::size_t smallEntrySize = 64;             // no entry that we read or write at once is longer
+constexpr std::uint64_t largestSmallEntry = 1 << 24;   // more than any writer's entry but the fork
 constexpr SidecarFiller ownFiller = {};
 constexpr std::size_t fillerOffset = 8;
 
@@ -98,7 +98,8 @@ OSErr writeAnew(const SidecarPlace &place, std::span<const std::uint8_t> head, c
     if (failure == 0)
         failure = linux_calls::writeAt(temporary.descriptor(), head, 0);
     if (failure == 0 && forkLength > 0)
-        failure = linux_calls::copyBytes(old->file.number(), old->layout.find(kResourceForkEntry)->offset, temporary.descriptor(), head.size(), forkLength);
+        failure = linux_calls::copyBytes(old->file.number(), old->layout.find(kResourceForkEntry)->offset, temporary.descriptor(),
+                                         head.size(), forkLength);
     if (failure < 0)
         return resultFromErrno(-failure);
     if (linux_calls::effectiveUser() == 0)
@@ -254,44 +255,6 @@ OSErr makeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> piece
     return writeAnew(place, buildSidecarHead(pieces, ownFiller, 0), nullptr, 0);
 }
 
-// `NAME.orphan.rsrc`, `NAME.orphan-2.rsrc` …, shortened between characters where that is too long.
-std::string orphanName(const std::string &name, int number)
-{
-    const std::string ending = number == 1 ? ".orphan.rsrc" : ".orphan-" + std::to_string(number) + ".rsrc";
-    std::size_t length = std::min(name.size(), longestDiskName - ending.size());
-    while (length < name.size() && length > 1 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80)
-        --length;
-    return name.substr(0, length) + ending;
-}
-
-OSErr moveAside(int folder, const std::string &name)
-{
-    for (int number = 1;; ++number)
-    {
-        const std::string aside = orphanName(name, number);
-        const int failure = linux_calls::renameWithoutReplacing(folder, sidecarNameOf(name).c_str(), folder, aside.c_str());
-        if (failure != -EEXIST)
-            return resultFromErrno(-failure);
-    }
-}
-
-OSErr copySidecar(const SidecarPlace &from, const SidecarPlace &to)
-{
-    TemporaryFile temporary;
-    const Descriptor source(linux_calls::openAt(from.folder, sidecarName(from).c_str(), O_RDONLY | O_NONBLOCK));
-    ObjectStatus status;
-    int failure = source.isOpen() ? linux_calls::statusOf(source.number(), status) : source.number();
-    if (failure == 0)
-        failure = temporary.make(to.folder, status.mode);
-    if (failure == 0)
-        failure = linux_calls::copyBytes(source.number(), 0, temporary.descriptor(), 0, status.size);
-    if (failure == 0 && linux_calls::effectiveUser() == 0)
-        linux_calls::setOwner(temporary.descriptor(), status.user, status.group);
-    if (failure == 0)
-        failure = temporary.appear(sidecarName(to).c_str());
-    return resultFromErrno(-failure);
-}
-
 }   // namespace
 
 std::uint64_t Sidecar::forkLength() const
@@ -388,7 +351,8 @@ OSErr openGrowingFork(const SidecarPlace &place, const FinderBytes &finderInfo, 
         return state == SidecarState::unreadable ? afpAccessDenied : ioErr;
     if (forkCanGrow(sidecar) && sidecar.status.links == 1)
         return resultFromErrno(-unmark(sidecar));
-    if (OSErr result = forkCanGrow(sidecar) ? copyApart(place, sidecar) : rebuild(place, sidecar, {}))   // a new file, with the fork at its end
+    if (OSErr result =
+            forkCanGrow(sidecar) ? copyApart(place, sidecar) : rebuild(place, sidecar, {}))   // a new file, with the fork at its end
         return result;
     return openSidecar(place, true, sidecar) == SidecarState::good ? noErr : fBsyErr;
 }
@@ -401,6 +365,15 @@ int writeForkLength(const Sidecar &sidecar, std::uint64_t length)
     return linux_calls::writeAt(sidecar.file.number(), bytes, sidecarHeaderSize + sidecarDescriptorSize * index + 8);
 }
 
+void giveUpOtherNames(const SidecarPlace &place)
+{
+    Sidecar sidecar;
+    if (openSidecar(place, true, sidecar) != SidecarState::good || sidecar.status.links == 1)
+        return;
+    removeOtherLeftovers(place, sidecar);
+    markAsCopied(sidecar);
+}
+
 bool isLeftoverSidecar(int folder, const std::string &sidecarName)
 {
     Sidecar sidecar;
@@ -411,54 +384,6 @@ bool isLeftoverSidecar(int folder, const std::string &sidecarName)
         return true;
     const std::string name = sidecarName.substr(2);
     return openSidecar({folder, name, status}, false, sidecar) == SidecarState::good && sidecar.layout.filler == copiedFiller;
-}
-
-OSErr clearTheWayFor(int folder, const std::string &name)
-{
-    ObjectStatus status;
-    const std::string sidecar = sidecarNameOf(name);
-    if (!hasRoomForSidecar(name))
-        return noErr;
-    const int failure = linux_calls::statusAt(folder, sidecar.c_str(), status);
-    if (failure < 0 && !linux_calls::saysAbsent(failure))
-        return resultFromErrno(-failure);   // an orphan that was overlooked would become the fork of a file that it does not belong to
-    if (failure < 0 || status.isFolder())
-        return noErr;
-    if (isLeftoverSidecar(folder, sidecar))
-        return resultFromErrno(-linux_calls::unlinkAt(folder, sidecar.c_str()));
-    return moveAside(folder, name);
-}
-
-OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carried)
-{
-    ObjectStatus status;
-    carried = false;
-    if (!hasRoomForSidecar(from.name))
-        return noErr;
-    const int lookedUp = linux_calls::statusAt(from.folder, sidecarName(from).c_str(), status);
-    if (lookedUp < 0 && !linux_calls::saysAbsent(lookedUp))
-        return resultFromErrno(-lookedUp);   // a sidecar that was overlooked would stay behind
-    if (lookedUp < 0 || !status.isRegular())
-        return noErr;
-    if (!hasRoomForSidecar(to.name))
-        return errFSNameTooLong;
-    const int failure = linux_calls::linkAt(from.folder, sidecarName(from).c_str(), to.folder, sidecarName(to).c_str());
-    const bool needsCopy = failure == -EPERM || failure == -EMLINK || failure == -EOPNOTSUPP || failure == -ENOSYS;
-    const OSErr result = needsCopy ? copySidecar(from, to) : resultFromErrno(-failure);
-    carried = result == noErr;
-    return result;
-}
-
-void removeSidecar(const SidecarPlace &place)
-{
-    Sidecar sidecar;
-    if (openSidecar(place, false, sidecar) == SidecarState::good)
-        linux_calls::unlinkAt(place.folder, sidecarName(place).c_str());
-}
-
-void dropSidecarName(const SidecarPlace &place)
-{
-    linux_calls::unlinkAt(place.folder, sidecarName(place).c_str());
 }
 
 }   // namespace standin

@@ -25,7 +25,7 @@ struct Sidecar
     Descriptor file;   // open while somebody reads or changes it
     ObjectStatus status;
     SidecarLayout layout;
-    std::vector<std::uint8_t> head;   // the first bytes of the file: at least the table
+    std::vector<std::uint8_t> head;         // the first bytes of the file: at least the table
     std::vector<SidecarPiece> behindHead;   // the beginnings of the small entries that lie further behind
     bool forkIsBlank = false;               // on purpose
 
@@ -71,20 +71,10 @@ OSErr openGrowingFork(const SidecarPlace &place, const FinderBytes &finderInfo, 
 // Writes the length of the fork into the table. 0 or a negative errno.
 int writeForkLength(const Sidecar &sidecar, std::uint64_t length);
 
+// Before a sidecar loses this name: what other names it has without a file are leftovers from now on, and those in this folder go at once.
+void giveUpOtherNames(const SidecarPlace &place);
+
 // Whether a sidecar without a file is only left over from a change of name that was cut off: it has another name, or a file took its copy with it.
 bool isLeftoverSidecar(int folder, const std::string &sidecarName);
-
-// A file gets a name: a leftover sidecar of that name is removed, an orphan is moved aside to a free visible name.
-OSErr clearTheWayFor(int folder, const std::string &name);
-
-// The sidecar is given the file's new name, beside its old one: by a link, or where that cannot be by a copy.
-// `carried` says whether there was one. The old name goes only when the file has its new one.
-OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carried);
-
-// Removes the sidecar of a file that is gone or has gone. What is no sidecar stays.
-void removeSidecar(const SidecarPlace &place);
-
-// Removes the sidecar as a name only, because its other link is the one that counts.
-void dropSidecarName(const SidecarPlace &place);
 
 }   // namespace standin

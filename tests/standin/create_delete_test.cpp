@@ -261,6 +261,37 @@ TEST_P(CreateDelete, AHardLinkIsDeletedByItsOwnName)
     EXPECT_EQ(names(), Names{"first"});
 }
 
+// A move that was cut off leaves the sidecar with a second name in the other folder. Once the file is gone, that name is nobody's.
+TEST_P(CreateDelete, TheSecondNameOfACutOffMoveIsNotShownAfterTheDeletion)
+{
+    writeFile(folder() / "file", "data");
+    ASSERT_EQ(writeFork(refAt(folder() / "file"), true, {1, 2, 3}), noErr);
+    mkdir((folder() / "other").c_str(), 0755);
+    ASSERT_EQ(link((folder() / "._file").c_str(), (folder() / "other/._file").c_str()), 0);
+    FSRef file = refAt(folder() / "file"), other = refAt(folder() / "other");
+    ASSERT_EQ(FSDeleteObject(&file), noErr);
+    EXPECT_EQ(+infoOf(other, kFSCatInfoValence).valence, 0u);
+    EXPECT_EQ(FSDeleteObject(&other), noErr);
+}
+
+// Whose second name has a file of its own beside it keeps all that it holds.
+TEST_P(CreateDelete, ACopyByHardLinksKeepsItsForkWhenTheOriginalIsDeleted)
+{
+    mkdir((folder() / "copy").c_str(), 0755);
+    writeFile(folder() / "file", "data");
+    ASSERT_EQ(writeFork(refAt(folder() / "file"), true, {1, 2, 3}), noErr);
+    for (std::string name : {"file", "._file"})
+        ASSERT_EQ(link((folder() / name).c_str(), (folder() / ("copy/" + name)).c_str()), 0);
+    FSRef file = refAt(folder() / "file");
+    ASSERT_EQ(FSDeleteObject(&file), noErr);
+    FSRef copy = refAt(folder() / "copy/file");
+    EXPECT_EQ(forkOf(copy), (Bytes{1, 2, 3}));
+    ASSERT_EQ(writeFork(copy, true, {4, 5}), noErr);
+    EXPECT_EQ(forkOf(copy), (Bytes{4, 5}));
+    const Bytes sidecar = readFile(folder() / "copy/._file");
+    EXPECT_EQ(Bytes(sidecar.begin() + 8, sidecar.begin() + 24), Bytes(16, 0)) << "who writes to it has it for himself again";
+}
+
 ON_EVERY_DISK(CreateDelete);
 
 TEST(DeletedRoots, AVolumesRootIsNotDeletedOrRenamed)

@@ -188,12 +188,21 @@ std::string makeWorkFolder()
     return workFolder = pattern;
 }
 
+// In a changed root "/" need not be a mount point. Then the work folder becomes one, and what is mounted inside it stays here.
+bool makeMountsPrivate()
+{
+    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0)
+        return true;
+    return errno == EINVAL && mount(workFolder.c_str(), workFolder.c_str(), nullptr, MS_BIND, nullptr) == 0 &&
+           mount(nullptr, workFolder.c_str(), nullptr, MS_PRIVATE, nullptr) == 0;
+}
+
 void takeOwnMounts()
 {
     bool own = geteuid() == 0 ? unshare(CLONE_NEWNS) == 0 : enterUserNamespace();
     if (!own)
         mountProblem = "cannot have mounts of its own: " + lastError();
-    else if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+    else if (!makeMountsPrivate())
         mountProblem = "cannot make the mounts private: " + lastError();
     else
         mountProblem.clear();

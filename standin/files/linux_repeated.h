@@ -1,0 +1,45 @@
+// What the two sources that call Linux share; nobody else includes it.
+#pragma once
+
+#include "standin/files/linux_calls.h"
+
+#include <atomic>
+#include <cerrno>
+#include <string>
+
+namespace standin::linux_calls
+{
+
+inline std::atomic<std::uint64_t> callCount{0};
+inline std::atomic<CallFilter> callFilter{nullptr};
+
+// Makes one system call, again if a signal interrupted it.
+template <typename Call>
+auto repeated(Call call, const char *name = __builtin_FUNCTION()) -> decltype(call())
+{
+    for (;;)
+    {
+        callCount.fetch_add(1, std::memory_order_relaxed);
+        const auto filter = callFilter.load(std::memory_order_relaxed);
+        if (const int wanted = filter ? filter(name) : 0)
+            return static_cast<decltype(call())>(-wanted);
+        const auto result = call();
+        if (result >= 0)
+            return result;
+        if (errno != EINTR)
+            return static_cast<decltype(result)>(-errno);
+    }
+}
+
+// A path that leads to what a descriptor names, O_PATH or not.
+inline std::string throughDescriptor(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+inline std::string throughDescriptor(int folder, const char *name)
+{
+    return throughDescriptor(folder) + '/' + name;
+}
+
+}   // namespace standin::linux_calls
