@@ -108,6 +108,46 @@ TEST_F(Double, FailingCallWritesNothing)
     EXPECT_EQ(platform.files.describe(&parent), "ref:zero");
 }
 
+TEST_F(Double, NumbersHaveTheirDecimalText)
+{
+    for (const auto &[number, digits] : {std::pair<SInt32, const char *>{0, "0"}, {42, "42"}, {-7, "-7"}, {-2147483647 - 1, "-2147483648"}})
+    {
+        Str255 text = {};
+        NumToString(number, text);
+        EXPECT_EQ(quoted(text), '"' + std::string(digits) + '"');
+        SInt32 read = 1;
+        StringToNum(text, &read);
+        EXPECT_EQ(read, number);
+    }
+}
+
+TEST_F(Double, EveryTextIsANumber)
+{
+    const auto numberOf = [](const std::string &characters) {
+        Str255 text = {static_cast<unsigned char>(characters.size())};
+        characters.copy(reinterpret_cast<char *>(text + 1), characters.size());
+        SInt32 number = 1;
+        StringToNum(text, &number);
+        return number;
+    };
+    EXPECT_EQ(numberOf(""), 0);
+    EXPECT_EQ(numberOf("-"), 0);
+    EXPECT_EQ(numberOf("1-2"), 232) << "a '-' inside counts 13";
+    EXPECT_EQ(numberOf("1,2"), 222) << "a ',' counts 12";
+    EXPECT_EQ(numberOf("4294967297"), 1) << "wraps at 32 bits";
+}
+
+TEST_F(Double, WidthsAreThoseOfTheCharactersUntilOthersArePrepared)
+{
+    const Str255 text = {3, 'a', ' ', 0xC9};
+    EXPECT_EQ(StringWidth(text), 8 + 5 + 11);
+    EXPECT_EQ(CharWidth('a'), 8);
+    platform.text.characterWidths['a'] = 20;
+    platform.text.nextStringWidths = {1000};
+    EXPECT_EQ(StringWidth(text), 1000);
+    EXPECT_EQ(StringWidth(text), 20 + 5 + 11);
+}
+
 TEST_F(Double, NotesVoidCallsWithoutCountingThem)
 {
     platform.failCall(1, ioErr);
