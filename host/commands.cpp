@@ -9,12 +9,15 @@ namespace
 {
 
 // In the order of the list that `zerb --help` shows.
+// clang-format off
 const Command *const commandOrder[] = {
     &infoCommand,
     &setCommand,
     &touchCommand,
     &attrsCommand,
+    &textCommand,
 };
+// clang-format on
 
 }   // namespace
 

@@ -9,6 +9,7 @@ namespace host
 extern const Command attrsCommand;
 extern const Command infoCommand;
 extern const Command setCommand;
+extern const Command textCommand;
 extern const Command touchCommand;
 
 }   // namespace host

@@ -1,5 +1,7 @@
 #include "host/plugin.h"
 
+#include "host/exported_symbol.h"
+
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
@@ -37,18 +39,43 @@ std::string reasonOf(const std::string &place)
     return reason.starts_with(place) ? reason : place + ": " + reason;
 }
 
+void *addressOf(void *library, const std::string &symbol, const char *name)
+{
+    void *address = dlsym(library, symbol.c_str());
+    if (address == nullptr)
+        throw PluginError("the plug-in does not have the function " + std::string(name) + "; is it of another version than this program?");
+    return address;
+}
+
+// A function of C linkage: its symbol is its name.
 template <typename Function>
 void take(void *library, const char *name, Function *&function)
 {
-    void *symbol = dlsym(library, name);
-    if (symbol == nullptr)
-        throw PluginError("the plug-in does not have the function " + std::string(name) + "; is it of another version than this program?");
-    function = reinterpret_cast<Function *>(symbol);
+    function = reinterpret_cast<Function *>(addressOf(library, name, name));
+}
+
+// A function of C++ linkage: its symbol has the parameter types too.
+template <typename Function>
+void takeTyped(void *library, const char *name, Function *&function)
+{
+    function = reinterpret_cast<Function *>(addressOf(library, exportedSymbol(name, function), name));
+}
+
+void takeStringFunctions(void *library, Plugin &plugin)
+{
+    takeTyped(library, "CopyCtoPstr", plugin.CopyCtoPstr);
+    takeTyped(library, "CopyPtoCstr", plugin.CopyPtoCstr);
+    takeTyped(library, "Val", plugin.Val);
+    takeTyped(library, "Str", plugin.Str);
+    takeTyped(library, "AdjustStrWidth", plugin.AdjustStrWidth);
+    takeTyped(library, "StringHexToNum", plugin.StringHexToNum);
+    takeTyped(library, "MyDoubleToString", plugin.MyDoubleToString);
+    takeTyped(library, "MyStringToDouble", plugin.MyStringToDouble);
 }
 
 Plugin takeFunctions(void *library)
 {
-    Plugin plugin;
+    Plugin plugin = {};
     take(library, "FSGetParentRef", plugin.FSGetParentRef);
     take(library, "FSGetNodeID", plugin.FSGetNodeID);
     take(library, "FSCheckLock", plugin.FSCheckLock);
@@ -67,6 +94,7 @@ Plugin takeFunctions(void *library)
     take(library, "FSClearHasCustomIcon", plugin.FSClearHasCustomIcon);
     take(library, "FSClearHasBeenInited", plugin.FSClearHasBeenInited);
     take(library, "FSCopyFileMgrAttributes", plugin.FSCopyFileMgrAttributes);
+    takeStringFunctions(library, plugin);
     return plugin;
 }
 

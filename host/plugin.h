@@ -4,6 +4,7 @@
 #pragma once
 
 #include "files/fstoolkit.h"
+#include "strings/pstrings.h"
 
 #include <stdexcept>
 
@@ -30,6 +31,15 @@ struct Plugin
     decltype(&::FSClearHasCustomIcon) FSClearHasCustomIcon;
     decltype(&::FSClearHasBeenInited) FSClearHasBeenInited;
     decltype(&::FSCopyFileMgrAttributes) FSCopyFileMgrAttributes;
+
+    decltype(&::CopyCtoPstr) CopyCtoPstr;
+    decltype(&::CopyPtoCstr) CopyPtoCstr;
+    decltype(&::Val) Val;
+    decltype(&::Str) Str;
+    decltype(&::AdjustStrWidth) AdjustStrWidth;
+    decltype(&::StringHexToNum) StringHexToNum;
+    decltype(&::MyDoubleToString) MyDoubleToString;
+    decltype(&::MyStringToDouble) MyStringToDouble;
 };
 
 struct PluginError : std::runtime_error
