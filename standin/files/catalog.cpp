@@ -228,19 +228,6 @@ void takeFromInfo(const Object &object, FSCatalogInfoBitmap which, const FSCatal
         metadata.own.hint = info.textEncodingHint == kTextEncodingMacRoman ? std::nullopt : std::optional(info.textEncodingHint);
 }
 
-// A descriptor of the very object, so that no other one that takes its name meanwhile is changed.
-OSErr openItself(const Object &object, Descriptor &itself)
-{
-    ObjectStatus status;
-    const int opened = linux_calls::openAt(object.folder->number(), object.name.c_str(), O_PATH);
-    if (opened < 0)
-        return resultFromErrno(-opened);
-    itself = Descriptor(opened);
-    if (linux_calls::statusOf(itself.number(), status) < 0 || !sameObject(identityOf(*object.volume, status), object.identity()))
-        return fnfErr;
-    return noErr;
-}
-
 OSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap which, FSCatalogInfo *info, HFSUniStr255 *name, FSSpec *spec, FSRef *parent)
 {
     Object object;
@@ -294,7 +281,7 @@ OSErr applyCatalogInfo(const Object &object, FSCatalogInfoBitmap which, const FS
     FSPermissionInfo permissions;
     std::memcpy(&permissions, info.permissions, sizeof permissions);
     Descriptor itself;
-    if (OSErr result = openItself(object, itself))
+    if (OSErr result = openItself(object, O_PATH, itself))
         return result;
     if (which & kFSCatInfoPermissions)
         if (OSErr result = setOwner(object, itself.number(), permissions))

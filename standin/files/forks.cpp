@@ -50,19 +50,6 @@ void fillName(HFSUniStr255 &name, bool isResourceFork)
     std::copy_n(resourceForkName, name.length, name.unicode);
 }
 
-// Opens an object's bytes, and makes sure that they are the bytes of that very object. Never waits, whatever lies there.
-OSErr openData(const Object &object, int access, Descriptor &file)
-{
-    ObjectStatus status;
-    const int opened = linux_calls::openAt(object.folder->number(), object.name.c_str(), access | O_NONBLOCK);
-    if (opened < 0)
-        return resultFromErrno(-opened);
-    file = Descriptor(opened);
-    if (linux_calls::statusOf(file.number(), status) < 0 || !sameObject(identityOf(*object.volume, status), object.identity()))
-        return fnfErr;
-    return noErr;
-}
-
 OSErr checkMayWrite(const Object &object)
 {
     if (OSErr result = object.volume->checkChangeable())
@@ -78,12 +65,12 @@ OSErr openAsAllowed(const Object &object, SInt8 permissions, OpenFork &fork)
     {
         OSErr result = checkMayWrite(object);
         if (result == noErr)
-            result = openData(object, permissions == fsWrPerm ? O_WRONLY : O_RDWR, fork.file);
+            result = openItself(object, permissions == fsWrPerm ? O_WRONLY : O_RDWR, fork.file);
         fork.mayWrite = result == noErr;
         if (result == noErr || wantsWriting)
             return result;
     }
-    return openData(object, O_RDONLY, fork.file);
+    return openItself(object, O_RDONLY, fork.file);
 }
 
 // A second writer of a fork is refused; a second one that takes what is allowed becomes a reader.

@@ -231,6 +231,18 @@ OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object)
     return sameObject(object.identity(), folder.identity) ? static_cast<OSErr>(noErr) : static_cast<OSErr>(dirNFErr);
 }
 
+OSErr openItself(const Object &object, int flags, Descriptor &itself)
+{
+    ObjectStatus status;
+    const int opened = linux_calls::openAt(object.folder->number(), object.name.c_str(), flags | O_NONBLOCK);
+    if (opened < 0)
+        return resultFromErrno(-opened);
+    itself = Descriptor(opened);
+    if (const int failure = linux_calls::statusOf(itself.number(), status))
+        return resultFromErrno(-failure);
+    return sameObject(identityOf(*object.volume, status), object.identity()) ? static_cast<OSErr>(noErr) : static_cast<OSErr>(fnfErr);
+}
+
 FSRef makeReference(const Object &object)
 {
     ReferenceFields fields;

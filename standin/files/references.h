@@ -50,6 +50,10 @@ OSErr findFirstNamed(const VolumeHandle &volume, UInt32 parentID, const std::vec
 OSErr findRoot(const VolumeHandle &volume, Object &object);
 OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object);
 
+// Opens an object by its place, never waiting, and makes sure that it is the very object and no other that took its name meanwhile.
+// Result: noErr; fnfErr if it is another one; the disk's code.
+OSErr openItself(const Object &object, int flags, Descriptor &itself);
+
 // The reference to an object whose status was asked for.
 FSRef makeReference(const Object &object);
 

@@ -34,7 +34,8 @@ std::map<std::string, std::string> attributesOf(const Bytes &entry, std::size_t 
     std::map<std::string, std::string> attributes;
     const auto at = [&](std::size_t offset) { return entry.at(offset - start); };
     std::size_t offset = start + firstAttributeAt;
-    for (std::size_t left = entry.at(countAt) * 256u + entry.at(countAt + 1); left > 0; --left) {
+    for (std::size_t left = entry.at(countAt) * 256u + entry.at(countAt + 1); left > 0; --left)
+    {
         std::uint32_t valueAt = big32(entry, offset - start), length = big32(entry, offset - start + 4);
         std::size_t nameLength = at(offset + 10);
         std::string name, value;
@@ -63,7 +64,8 @@ TEST(AttributeBlock, TheSampleIsWhatItIsSaidToBe)
 
 TEST(AttributeBlock, AttributesAreFoundWhereTheEntryMovedTo)
 {
-    for (int distance : {12, 24, 36, 120}) {
+    for (int distance : {12, 24, 36, 120})
+    {
         Bytes entry = sampleEntry();
         moveAttributeBlock(entry, distance);
         EXPECT_EQ(attributesOf(entry, entryAt + static_cast<std::size_t>(distance)), sampleAttributes) << distance;
@@ -81,7 +83,8 @@ TEST(AttributeBlock, AnAttributeWithoutAValueStaysAtZero)
 
 TEST(AttributeBlock, MovingThereAndBackChangesNothing)
 {
-    for (int distance : {12, 24, 120}) {
+    for (int distance : {12, 24, 120})
+    {
         Bytes entry = sampleEntry();
         moveAttributeBlock(entry, distance);
         EXPECT_NE(entry, sampleEntry());
@@ -121,7 +124,8 @@ TEST(AttributeBlock, AnEntryWithoutOneStaysAsItIs)
 {
     Bytes other = sampleEntry();
     other[signatureAt] = 'a';
-    for (const Bytes &entry : {Bytes(), Bytes(32, 0xFF), Bytes(34, 0xFF), Bytes(217, 0xFF), other}) {
+    for (const Bytes &entry : {Bytes(), Bytes(32, 0xFF), Bytes(34, 0xFF), Bytes(217, 0xFF), other})
+    {
         Bytes moved = entry;
         moveAttributeBlock(moved, 12);
         EXPECT_EQ(moved, entry);
@@ -144,7 +148,8 @@ void expectStaysInside(const Bytes &entry)
 
 TEST(AttributeBlock, ACutOffOneIsNotOverrun)
 {
-    for (std::size_t size = 0; size < entrySize; ++size) {
+    for (std::size_t size = 0; size < entrySize; ++size)
+    {
         Bytes entry = sampleEntry();
         entry.resize(size);
         expectStaysInside(entry);
@@ -153,7 +158,8 @@ TEST(AttributeBlock, ACutOffOneIsNotOverrun)
 
 TEST(AttributeBlock, HostileCountsAreNotFollowedOutside)
 {
-    for (unsigned count : {0u, 5u, 6u, 100u, 0x7FFFu, 0x8000u, 0xFFFFu}) {
+    for (unsigned count : {0u, 5u, 6u, 100u, 0x7FFFu, 0x8000u, 0xFFFFu})
+    {
         Bytes entry = sampleEntry();
         entry[countAt] = static_cast<std::uint8_t>(count >> 8);
         entry[countAt + 1] = static_cast<std::uint8_t>(count);
@@ -165,7 +171,8 @@ TEST(AttributeBlock, HostileCountsAreNotFollowedOutside)
 TEST(AttributeBlock, HostileNameLengthsAreNotFollowedOutside)
 {
     for (std::size_t attribute : {120, 152, 188, 220})
-        for (unsigned length = 0; length < 256; ++length) {
+        for (unsigned length = 0; length < 256; ++length)
+        {
             Bytes entry = sampleEntry();
             entry[attribute - entryAt + 10] = static_cast<std::uint8_t>(length);
             entry[countAt] = 0xFF;
@@ -177,7 +184,8 @@ TEST(AttributeBlock, HostileNameLengthsAreNotFollowedOutside)
 TEST(AttributeBlock, RandomOnesAreNotFollowedOutside)
 {
     std::mt19937 random(7);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 20000; ++round)
+    {
         Bytes entry = sampleEntry();
         entry.resize(70 + random() % 200);
         for (unsigned i = 0; i < random() % 20; ++i)

@@ -23,9 +23,9 @@ struct Scene
 
 enum class WhenStopped
 {
-    failed,    // the change reports an error
-    done,      // it may also report success
-    cutOff,    // only if nothing can be done any more: each further call fails, or the process ends
+    failed,   // the change reports an error
+    done,     // it may also report success
+    cutOff,   // only if nothing can be done any more: each further call fails, or the process ends
 };
 
 // A state that is neither before nor after but right all the same, as a step on the bare disk that leads from before into it.
@@ -250,7 +250,8 @@ inline OSErr setPermissions(const FSRef &ref, UInt16 mode, UInt32 owner)
     return change(ref, kFSCatInfoPermissions, info);
 }
 
-constexpr Stop fileIsGone{removeOnlyTheFile, WhenStopped::done, "the file goes first, never its fork before it; a sidecar that stays is shown"};
+constexpr Stop fileIsGone{removeOnlyTheFile, WhenStopped::done,
+                          "the file goes first, never its fork before it; a sidecar that stays is shown"};
 constexpr Stop orphanIsAside{moveOrphanAside, WhenStopped::failed, "an orphan in the way has another name but is whole"};
 constexpr Stop fileIsMade{makeNewFile, WhenStopped::cutOff, "the new file is there, and the record comes piece by piece"};
 constexpr Stop folderIsMade{makeNewFolder, WhenStopped::cutOff, "the same for a folder"};
@@ -262,26 +263,29 @@ inline const std::vector<Change> &everyChange()
         {"SetType", nullptr, [](Scene &s) { return setRecord(s.file, finderBits, 1); }},
         {"SetTypeForTheFirstTime", nullptr, [](Scene &s) { return setRecord(s.plain, finderBits, 1); }},
         {"SetTypeOfAFolder", nullptr, [](Scene &s) { return setRecord(s.folder, finderBits, 1); }},
-        {"SetTypeWhereTheSidecarHasIt", bringPlainForeignSidecar,
-         [](Scene &s) { return setRecord(s.foreign, finderBits, 1); }},
+        {"SetTypeWhereTheSidecarHasIt", bringPlainForeignSidecar, [](Scene &s) { return setRecord(s.foreign, finderBits, 1); }},
         {"SetDates", nullptr, [](Scene &s) { return setRecord(s.file, bothDates, 1); }},
         {"SetDatesForTheFirstTime", nullptr, [](Scene &s) { return setRecord(s.plain, bothDates, 1); }},
-        {"SetDatesBesideAForeignSidecar", bringForeignSidecar,
-         [](Scene &s) { return setRecord(s.foreign, bothDates, 1); }},
+        {"SetDatesBesideAForeignSidecar", bringForeignSidecar, [](Scene &s) { return setRecord(s.foreign, bothDates, 1); }},
         {"SetModificationDate", nullptr, [](Scene &s) { return setRecord(s.file, kFSCatInfoContentMod, 1); }},
         {"Lock", nullptr, [](Scene &s) { return setLock(s.file, true); }},
         {"LockWithoutASidecar", nullptr, [](Scene &s) { return setLock(s.plain, true); }},
         {"Unlock", lockTheFile, [](Scene &s) { return setLock(s.file, false); }},
         {"SetHint", nullptr, [](Scene &s) { return setRecord(s.file, kFSCatInfoTextEncoding, 1); }},
         {"SetMode", nullptr, [](Scene &s) { return setPermissions(s.file, 0640, geteuid()); }},
-        {"SetOwnerAndMode", nullptr, [](Scene &s) { return setPermissions(s.file, 0640, canBecomeOtherUsers() ? ordinaryUser : 0); }, noErr, true},
+        {"SetOwnerAndMode", nullptr, [](Scene &s) { return setPermissions(s.file, 0640, canBecomeOtherUsers() ? ordinaryUser : 0); }, noErr,
+         true},
         {"SetEverything", nullptr, [](Scene &s) { return setRecord(s.file, wholeRecordAndLock, 1, true); }, noErr, true},
         {"SetEverythingForTheFirstTime", nullptr, [](Scene &s) { return setRecord(s.plain, wholeRecordAndLock, 1, true); }, noErr, true},
         {"SetEverythingBesideAForeignSidecar", bringForeignSidecar,
          [](Scene &s) { return setRecord(s.foreign, wholeRecordAndLock, 1, true); }, noErr, true},
         {"CreateFile", nullptr, [](Scene &s) { return createWithRecord(s.root, false); }, noErr, true, {fileIsMade}},
         {"CreateFolder", nullptr, [](Scene &s) { return createWithRecord(s.root, true); }, noErr, true, {folderIsMade}},
-        {"CreateFileBesideAnOrphan", bringOrphan, [](Scene &s) { return createWithRecord(s.root, false); }, noErr, true,
+        {"CreateFileBesideAnOrphan",
+         bringOrphan,
+         [](Scene &s) { return createWithRecord(s.root, false); },
+         noErr,
+         true,
          {orphanIsAside, orphanIsAsideAndFileMade}},
         {"DeleteFile", nullptr, [](Scene &s) { return FSDeleteObject(&s.file); }, noErr, false, {fileIsGone}},
         {"DeleteLockedFile", lockTheFile, [](Scene &s) { return FSDeleteObject(&s.file); }, fLckdErr},

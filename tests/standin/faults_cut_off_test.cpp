@@ -25,7 +25,8 @@ bool CutOffByFault::endsBefore(const std::string &directory, int nth)
 {
     Scene scene = sceneIn(directory);
     pid_t process = fork();
-    if (process == 0) {
+    if (process == 0)
+    {
         FaultyCalls faults({nth, 0});
         _exit(change().run(scene) == change().expected ? 0 : 1);
     }
@@ -45,7 +46,8 @@ std::size_t visibleNames(const Picture &picture)
 // The next changes of what is there: each works, and brings nothing to light.
 void changeEverything(const FSRef &folder)
 {
-    for (const ListedObject &object : objectsIn(folder)) {
+    for (const ListedObject &object : objectsIn(folder))
+    {
         SCOPED_TRACE(object.name);
         FSRef ref = object.ref;
         EXPECT_EQ(setLock(ref, false), noErr);
@@ -61,7 +63,8 @@ void changeEverything(const FSRef &folder)
 
 void deleteEverything(const FSRef &folder)
 {
-    for (const ListedObject &object : objectsIn(folder)) {
+    for (const ListedObject &object : objectsIn(folder))
+    {
         SCOPED_TRACE(object.name);
         if (infoOf(object.ref, kFSCatInfoNodeFlags).nodeFlags & kFSNodeIsDirectoryMask)
             deleteEverything(object.ref);

@@ -103,7 +103,8 @@ OSErr readFork(const ReadingScene &scene, Answer &answer)
     ByteCount got = 0;
     OSErr result = FSReadFork(fork, fsFromStart, 0, static_cast<ByteCount>(bytes.size()), bytes.data(), &got);
     EXPECT_EQ(FSCloseFork(fork), noErr);
-    if (result != eofErr) {   // more was asked for than there is
+    if (result != eofErr)
+    {   // more was asked for than there is
         EXPECT_EQ(got, 0u);
         return result;
     }
@@ -118,7 +119,8 @@ OSErr walk(const ReadingScene &scene, Answer &answer)
     OSErr result = FSOpenIterator(&scene.root, kFSIterateFlat, &iterator);
     if (result != noErr)
         return result;
-    while (result == noErr) {
+    while (result == noErr)
+    {
         FSCatalogInfo infos[3]{};
         HFSUniStr255 names[3]{};
         ItemCount count = 0;
@@ -201,7 +203,8 @@ private:
 bool FaultsInReading::isDefault(const std::string &item, const std::string &value) const
 {
     for (const char *kept : {"finder", "created", "backed up", "flags", "hint", "fork"})
-        if (item == kept || item == std::string("file ") + kept) {
+        if (item == kept || item == std::string("file ") + kept)
+        {
             bool isDate = std::string(kept) == "created" || std::string(kept) == "backed up";
             std::string right = right_.at(item);
             return value == defaults_.at(kept) || (isDate && value == right.substr(0, right.find('+')) + "+0");
@@ -222,11 +225,13 @@ bool FaultsInReading::readWith(const Fault &fault)
     SCOPED_TRACE(testing::Message() << FaultyCalls::failedCall() << " failed, the result was " << result);
     EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
     EXPECT_EQ(pictureOf(scene_.directory), onDisk_);
-    for (const auto &[item, value] : answer) {
+    for (const auto &[item, value] : answer)
+    {
         auto found = right_.find(item);
         EXPECT_TRUE(found != right_.end() && (found->second == value || isDefault(item, value))) << item << " = " << value;
     }
-    if (result == noErr) {
+    if (result == noErr)
+    {
         EXPECT_EQ(answer.size(), right_.size()) << difference(right_, answer);
     }
     return FaultyCalls::reached();
@@ -236,7 +241,8 @@ TEST_P(FaultsInReading, GiveAnErrorOrTheTruth)
 {
     bool reached = true;
     int nth = 0;
-    while (reached && nth < 1000) {
+    while (reached && nth < 1000)
+    {
         ++nth;
         for (int errorNumber : {EIO, EACCES, EMFILE})
             reached = readWith({nth, errorNumber, false});

@@ -45,9 +45,8 @@ protected:
 
     bool isDone(const Picture &now) const
     {
-        return now == after_ || std::any_of(stops_.begin(), stops_.end(), [&](const auto &stop) {
-            return stop.first == WhenStopped::done && now == stop.second;
-        });
+        return now == after_ || std::any_of(stops_.begin(), stops_.end(),
+                                            [&](const auto &stop) { return stop.first == WhenStopped::done && now == stop.second; });
     }
 
     // `cutOff` says that the change could do nothing any more after it was stopped.
@@ -88,10 +87,10 @@ inline std::string changeName(const testing::TestParamInfo<ChangeRow> &row)
 }
 
 // On a disk with attributes and on one without.
-#define EVERY_CHANGE_ON_TWO_DISKS(suite)                                                                                                     \
-    INSTANTIATE_TEST_SUITE_P(TwoDisks, suite,                                                                                                \
-                             testing::Combine(testing::Values(support::DiskKind::tmpfs, support::DiskKind::ramfs),                           \
-                                              testing::ValuesIn(support::pointersToChanges())),                                              \
+#define EVERY_CHANGE_ON_TWO_DISKS(suite)                                                                           \
+    INSTANTIATE_TEST_SUITE_P(TwoDisks, suite,                                                                      \
+                             testing::Combine(testing::Values(support::DiskKind::tmpfs, support::DiskKind::ramfs), \
+                                              testing::ValuesIn(support::pointersToChanges())),                    \
                              support::changeName)
 
 }   // namespace support

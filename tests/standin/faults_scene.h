@@ -49,7 +49,8 @@ inline std::vector<ListedObject> objectsIn(const FSRef &folder)
     FSRef refs[16];
     HFSUniStr255 names[16];
     EXPECT_EQ(FSOpenIterator(&folder, kFSIterateFlat, &iterator), noErr);
-    for (OSErr result = noErr; result == noErr && iterator;) {
+    for (OSErr result = noErr; result == noErr && iterator;)
+    {
         ItemCount count = 0;
         result = FSGetCatalogInfoBulk(iterator, 16, &count, nullptr, kFSCatInfoNone, nullptr, refs, nullptr, names);
         EXPECT_TRUE(result == noErr || result == errFSNoMoreItems) << result;
@@ -80,11 +81,13 @@ inline void addRecord(const std::string &place, const FSRef &ref, Picture &pictu
 inline void addFolder(const std::string &place, const FSRef &folder, Picture &picture)
 {
     std::string names;
-    for (const ListedObject &object : objectsIn(folder)) {
+    for (const ListedObject &object : objectsIn(folder))
+    {
         std::string inside = place + "/" + object.name;
         bool isFolder = (infoOf(object.ref, kFSCatInfoNodeFlags).nodeFlags & kFSNodeIsDirectoryMask) != 0;
         addRecord(inside, object.ref, picture);
-        if (isFolder) {
+        if (isFolder)
+        {
             addFolder(inside, object.ref, picture);
             continue;
         }

@@ -19,7 +19,8 @@ struct Ignored
 };
 
 const Ignored ignoredFailures[] = {
-    {"status", "what is not found under its name is looked for elsewhere; a sidecar that cannot be looked at stays when its file is deleted, and is shown"},
+    {"status", "what is not found under its name is looked for elsewhere; a sidecar that cannot be looked at stays when its file is "
+               "deleted, and is shown"},
     {"openAt", "the same; and a folder that cannot be read cannot be locked against other processes, but may be changed"},
     {"openFolderBeneath", "the way down to a folder is gone level by level then"},
     {"tryLock", "there are disks without locks"},
@@ -56,8 +57,10 @@ private:
 
 void Faults::expectRight(const Picture &now, OSErr result, bool fromThenOn)
 {
-    if (result == change().expected) {
-        EXPECT_TRUE(result != noErr || mayBeIgnored(FaultyCalls::failedCall())) << "succeeded although " << FaultyCalls::failedCall() << " failed";
+    if (result == change().expected)
+    {
+        EXPECT_TRUE(result != noErr || mayBeIgnored(FaultyCalls::failedCall()))
+            << "succeeded although " << FaultyCalls::failedCall() << " failed";
         EXPECT_TRUE(isDone(now)) << "the result says that all is done, but:" << differences(now);
         return;
     }
@@ -78,7 +81,8 @@ bool Faults::runWith(const Fault &fault)
         result = change().run(scene);
     }
     EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
-    if (!FaultyCalls::reached()) {
+    if (!FaultyCalls::reached())
+    {
         EXPECT_EQ(result, change().expected);
         removeTree(directory);
         return false;
@@ -94,7 +98,8 @@ TEST_P(Faults, LeaveAllAsBeforeOrAsAfter)
 {
     bool reached = true;
     int nth = 0;
-    while (reached && nth < 1000) {
+    while (reached && nth < 1000)
+    {
         ++nth;
         for (int errorNumber : {EIO, ENOSPC, EACCES})
             if (errorNumber != EACCES || change().expected != fLckdErr)   // a lock that may not be read is none

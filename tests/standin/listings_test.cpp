@@ -52,7 +52,8 @@ std::vector<std::string> namesFrom(FSIterator iterator, ItemCount atOnce)
 {
     std::vector<std::string> list;
     std::vector<HFSUniStr255> names(atOnce);
-    for (OSErr result = noErr; result == noErr;) {
+    for (OSErr result = noErr; result == noErr;)
+    {
         ItemCount count = 0;
         result = FSGetCatalogInfoBulk(iterator, atOnce, &count, nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, names.data());
         EXPECT_TRUE(result == noErr || result == errFSNoMoreItems) << result;
@@ -91,15 +92,18 @@ TEST_P(Listings, TheEndComesWithTheLastItemsOrAfterThem)
         OSErr result;
     };
     for (const std::vector<Step> &steps : {
-             std::vector<Step>{{5, 5, noErr}, {5, 0, errFSNoMoreItems}},            // exactly full: nobody knows yet that it was the end
+             std::vector<Step>{{5, 5, noErr}, {5, 0, errFSNoMoreItems}},   // exactly full: nobody knows yet that it was the end
              std::vector<Step>{{6, 5, errFSNoMoreItems}, {6, 0, errFSNoMoreItems}},
              std::vector<Step>{{2, 2, noErr}, {2, 2, noErr}, {2, 1, errFSNoMoreItems}, {2, 0, errFSNoMoreItems}},
              std::vector<Step>{{1, 1, noErr}, {4, 4, noErr}, {1, 0, errFSNoMoreItems}},
-         }) {
+         })
+    {
         OpenIterator iterator(folderRef());
-        for (const Step &step : steps) {
+        for (const Step &step : steps)
+        {
             ItemCount count = 99;
-            EXPECT_EQ(FSGetCatalogInfoBulk(iterator, step.asked, &count, nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), step.result);
+            EXPECT_EQ(FSGetCatalogInfoBulk(iterator, step.asked, &count, nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr),
+                      step.result);
             EXPECT_EQ(count, step.given);
         }
     }
@@ -121,7 +125,8 @@ TEST_P(Listings, EveryOutputIsOptional)
 {
     makeFiles(3);
     mkdir((folder() / "folder").c_str(), 0755);
-    for (unsigned wanted = 0; wanted < 32; ++wanted) {
+    for (unsigned wanted = 0; wanted < 32; ++wanted)
+    {
         SCOPED_TRACE(wanted);
         OpenIterator iterator(folderRef());
         FSCatalogInfo infos[4]{};
@@ -137,24 +142,31 @@ TEST_P(Listings, EveryOutputIsOptional)
                   noErr);
         ASSERT_EQ(count, 4u);
         EXPECT_EQ(changed, wantsChanged ? 0 : 99);
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 0; i < 4; ++i)
+        {
             FSRef fromSpec{};
-            if (wantsSpecs) {
+            if (wantsSpecs)
+            {
                 ASSERT_EQ(findSpec(specs[i], fromSpec), noErr);
             }
-            if (wantsRefs && wantsNames) {
+            if (wantsRefs && wantsNames)
+            {
                 EXPECT_EQ(nameOf(refs[i]), wide(names[i]));
             }
-            if (wantsRefs && wantsSpecs) {
+            if (wantsRefs && wantsSpecs)
+            {
                 EXPECT_TRUE(sameObject(refs[i], fromSpec));
             }
-            if (wantsSpecs && wantsNames) {
+            if (wantsSpecs && wantsNames)
+            {
                 EXPECT_EQ(nameOf(fromSpec), wide(names[i]));
             }
-            if (wantsRefs && wantsInfo) {
+            if (wantsRefs && wantsInfo)
+            {
                 EXPECT_EQ(nodeOf(refs[i]), infos[i].nodeID);
             }
-            if (wantsInfo && wantsNames) {
+            if (wantsInfo && wantsNames)
+            {
                 EXPECT_EQ((infos[i].nodeFlags & kFSNodeIsDirectoryMask) != 0, plain(names[i]) == "folder");
             }
         }
@@ -174,7 +186,8 @@ TEST_P(Listings, RecordsAreThoseOfEachObject)
     ItemCount count = 0;
     EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 4, &count, nullptr, everything, infos, refs, nullptr, nullptr), errFSNoMoreItems);
     ASSERT_EQ(count, 3u);
-    for (ItemCount i = 0; i < count; ++i) {
+    for (ItemCount i = 0; i < count; ++i)
+    {
         FSCatalogInfo alone = infoOf(refs[i]);
         EXPECT_EQ(std::memcmp(&alone, &infos[i], sizeof alone), 0) << testing::PrintToString(nameOf(refs[i]));
     }
@@ -257,7 +270,8 @@ TEST_P(Listings, ItemsCanBeDeletedAsTheyCome)
     mkdir((folder() / "folder").c_str(), 0755);
     OpenIterator iterator(folderRef(), kFSIterateDelete);
     int deleted = 0;
-    for (OSErr result = noErr; result == noErr;) {
+    for (OSErr result = noErr; result == noErr;)
+    {
         FSRef refs[7];
         ItemCount count = 0;
         result = FSGetCatalogInfoBulk(iterator, 7, &count, nullptr, kFSCatInfoNone, nullptr, refs, nullptr, nullptr);
@@ -335,7 +349,8 @@ TEST_P(Listings, OtherNamesWithADotAreShown)
 TEST_P(Listings, BadFlagsAreRefused)
 {
     FSRef ref = folderRef();
-    for (FSIteratorFlags flags : {1u, 3u, 4u, 0x80000000u, 0xFFFFFFFFu}) {
+    for (FSIteratorFlags flags : {1u, 3u, 4u, 0x80000000u, 0xFFFFFFFFu})
+    {
         FSIterator iterator = reinterpret_cast<FSIterator>(0x55);
         EXPECT_EQ(FSOpenIterator(&ref, flags, &iterator), errFSBadIteratorFlags) << flags;
         EXPECT_EQ(iterator, reinterpret_cast<FSIterator>(0x55));
@@ -373,7 +388,8 @@ TEST_P(Listings, ABadRequestForRecordsIsRefused)
     ItemCount count = 99;
     EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 1, &count, nullptr, 0x00040000, &info, nullptr, nullptr, nullptr), errFSBadInfoBitmap);
     EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 1, &count, nullptr, 0x80000000, &info, nullptr, nullptr, nullptr), errFSBadInfoBitmap);
-    EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 1, &count, nullptr, kFSCatInfoNodeID, nullptr, nullptr, nullptr, nullptr), errFSMissingCatInfo);
+    EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 1, &count, nullptr, kFSCatInfoNodeID, nullptr, nullptr, nullptr, nullptr),
+              errFSMissingCatInfo);
     EXPECT_EQ(count, 99u);
     EXPECT_EQ(namesFrom(iterator, 3), Names{"file0"}) << "nothing was taken";
 }
@@ -385,7 +401,9 @@ TEST_P(Listings, OnlyAnOpenIteratorIsTaken)
     ASSERT_EQ(FSOpenIterator(&ref, kFSIterateFlat, &closed), noErr);
     ASSERT_EQ(FSCloseIterator(closed), noErr);
     int something = 0;
-    for (FSIterator bad : {FSIterator{}, closed, reinterpret_cast<FSIterator>(&something), reinterpret_cast<FSIterator>(~std::uintptr_t{0})}) {
+    for (FSIterator bad :
+         {FSIterator{}, closed, reinterpret_cast<FSIterator>(&something), reinterpret_cast<FSIterator>(~std::uintptr_t{0})})
+    {
         ItemCount count = 99;
         EXPECT_EQ(FSGetCatalogInfoBulk(bad, 1, &count, nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), errFSIteratorNotFound);
         EXPECT_EQ(count, 99u);

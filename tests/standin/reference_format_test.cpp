@@ -40,7 +40,8 @@ void expectSame(const ReferenceFields &a, const ReferenceFields &b)
 
 TEST(ReferenceFormat, EveryFieldComesBack)
 {
-    for (std::size_t length = 1; length <= longestNameInReference; ++length) {
+    for (std::size_t length = 1; length <= longestNameInReference; ++length)
+    {
         const std::string name(length, static_cast<char>(length + 150));
         ReferenceFields fields = sampleFields(), read;
         fields.timeIsBirth = length % 2 == 0;
@@ -73,7 +74,8 @@ TEST(ReferenceFormat, ANameMayHoldAnyBytes)
 
 TEST(ReferenceFormat, ALongNameIsHashed)
 {
-    for (std::size_t length = longestNameInReference + 1; length <= 255; ++length) {
+    for (std::size_t length = longestNameInReference + 1; length <= 255; ++length)
+    {
         const std::string name(length, 'n');
         ReferenceFields read;
         EXPECT_TRUE(isLongName(name));
@@ -89,7 +91,8 @@ TEST(ReferenceFormat, ALongNameIsHashed)
 TEST(ReferenceFormat, LongNamesThatDifferInOneByteHaveDifferentHashes)
 {
     const std::string name(200, 'n');
-    for (std::size_t at = 0; at < name.size(); ++at) {
+    for (std::size_t at = 0; at < name.size(); ++at)
+    {
         std::string other = name;
         other[at] = 'm';
         EXPECT_NE(longNameHash(other), longNameHash(name)) << at;
@@ -117,7 +120,8 @@ TEST(ReferenceFormat, EveryChangedByteIsNoticed)
 {
     for (const std::string &name : {std::string("name"), std::string(longestNameInReference, 'n'), std::string(100, 'n')})
         for (std::size_t at = 0; at < sizeof(FSRef); ++at)
-            for (int change = 1; change < 256; ++change) {
+            for (int change = 1; change < 256; ++change)
+            {
                 FSRef reference = writeReference(sampleFields(), name);
                 reinterpret_cast<unsigned char *>(&reference)[at] ^= static_cast<unsigned char>(change);
                 ReferenceFields fields;
@@ -127,7 +131,8 @@ TEST(ReferenceFormat, EveryChangedByteIsNoticed)
 
 TEST(ReferenceFormat, ConstantBytesAreRefused)
 {
-    for (int byte = 0; byte < 256; ++byte) {
+    for (int byte = 0; byte < 256; ++byte)
+    {
         FSRef reference;
         std::memset(&reference, byte, sizeof reference);
         SCOPED_TRACE(byte);
@@ -138,7 +143,8 @@ TEST(ReferenceFormat, ConstantBytesAreRefused)
 TEST(ReferenceFormat, RandomBytesAreRefused)
 {
     std::mt19937_64 random(20010324);
-    for (int round = 0; round < 100000; ++round) {
+    for (int round = 0; round < 100000; ++round)
+    {
         std::uint64_t words[sizeof(FSRef) / 8];
         for (std::uint64_t &word : words)
             word = random();
@@ -161,9 +167,9 @@ TEST(ReferenceFormat, HalvesOfTwoReferencesMakeNone)
 
 TEST(Births, EarlierOnesPackSmaller)
 {
-    const std::timespec times[] = {{0, 0},          {0, 1},          {0, 999999999},  {1, 0},          {1, 1},
-                                   {1000000000, 0}, {2147483647, 999999999}, {2147483648, 0}, {4294967295, 5},
-                                   {4294967296, 0}, {8589934591, 999999999}};
+    const std::timespec times[] = {{0, 0},          {0, 1},          {0, 999999999},          {1, 0},
+                                   {1, 1},          {1000000000, 0}, {2147483647, 999999999}, {2147483648, 0},
+                                   {4294967295, 5}, {4294967296, 0}, {8589934591, 999999999}};
     for (std::size_t i = 1; i < std::size(times); ++i)
         EXPECT_LT(packBirth(times[i - 1]), packBirth(times[i])) << i;
 }

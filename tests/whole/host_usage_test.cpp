@@ -67,7 +67,7 @@ TEST(HostHelp, ExplainsEveryCommandWithExamples)
 {
     Outcome general = runHost({"--help"});
     EXPECT_EQ(general.status, 0);
-    for (const char *command : {"info", "set", "touch", "attrs"})
+    for (const char *command : {"info", "set", "touch", "attrs", "text"})
     {
         EXPECT_THAT(general.output, HasSubstr("\n  " + std::string(command) + " "));
         Outcome help = runHost({command, "--help"});
