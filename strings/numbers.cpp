@@ -5,6 +5,7 @@
 
 #include "strings/pstrings.h"
 
+#include <array>
 #include <limits>
 
 namespace
@@ -44,16 +45,15 @@ SInt32 truncated(double value)
     return smallest;
 }
 
-int hexDigitValue(unsigned char character)
-{
-    if (character >= '0' && character <= '9')
-        return character - '0';
-    if (character >= 'A' && character <= 'F')
-        return character - 'A' + 10;
-    if (character >= 'a' && character <= 'f')
-        return character - 'a' + 10;
-    return 0;
-}
+// What each character counts as a hexadecimal digit; 0 for all that is none.
+constexpr std::array<unsigned char, 256> hexDigitValues = [] {
+    std::array<unsigned char, 256> values = {};
+    for (unsigned char digit = 1; digit <= 9; ++digit)
+        values['0' + digit] = digit;
+    for (unsigned char digit = 10; digit <= 15; ++digit)
+        values['A' + digit - 10] = values['a' + digit - 10] = digit;
+    return values;
+}();
 
 void append(unsigned char *text, unsigned char character)
 {
@@ -138,7 +138,7 @@ void StringHexToNum(unsigned char *text, long *value)
         // A shift of 32 bits whose count is taken modulo 64: eight places count, the next eight don't, and so on.
         const unsigned shift = (length - position) * 4 % 64;
         if (shift < 32)
-            bits |= static_cast<UInt32>(hexDigitValue(text[position])) << shift;
+            bits |= UInt32{hexDigitValues[text[position]]} << shift;
     }
     *value = static_cast<SInt32>(bits);
 }

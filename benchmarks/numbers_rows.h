@@ -1,0 +1,5 @@
+// The rows of the number conversions.
+
+#pragma once
+
+void addNumberRows();
