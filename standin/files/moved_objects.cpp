@@ -81,4 +81,15 @@ void noteMoved(const Object &object, UInt32 newParentID, std::string_view newNam
     }
 }
 
+void forgetMoved(const Object &object)
+{
+    const std::lock_guard lock(moved().mutex);
+    auto &[mutex, byObject, places] = moved();
+    const auto known = byObject.find(keyOf(*object.volume, object.identity()));
+    if (known == byObject.end())
+        return;
+    places.erase(known->second);
+    byObject.erase(known);
+}
+
 }   // namespace standin

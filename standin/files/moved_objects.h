@@ -40,4 +40,7 @@ void noteMoved(const Object &object, UInt32 newParentID, std::string_view newNam
 // Where an object that is no folder was put last. False if it was not moved, or so long ago that it is forgotten.
 bool recallMoved(const Volume &volume, const Identity &identity, Place &place);
 
+// An object that is no folder is deleted: where the disk has no births, its inode number must not lead the next one's references there.
+void forgetMoved(const Object &object);
+
 }   // namespace standin

@@ -3,6 +3,7 @@
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
 #include "standin/files/listings.h"
+#include "standin/files/moved_objects.h"
 #include "standin/files/names.h"
 #include "standin/files/sidecar_carrying.h"
 
@@ -67,7 +68,10 @@ OSErr FSDeleteObject(const FSRef *ref)
         return result;
     const OSErr result =
         object.isFolder() ? removeFolder(object) : resultFromErrno(-linux_calls::unlinkAt(object.folder->number(), object.name.c_str()));
-    if (result == noErr)
-        removeSidecar({object.folder->number(), object.name, object.status});
-    return result;
+    if (result != noErr)
+        return result;
+    removeSidecar({object.folder->number(), object.name, object.status});
+    if (!object.isFolder() && object.status.links == 1)
+        forgetMoved(object);
+    return noErr;
 }
