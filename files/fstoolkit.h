@@ -25,7 +25,7 @@ extern "C"
 // Catalog and Finder information
 // ---------------------------------------------------------------------------------------------------------------------
 
-// Gives the file specification (volume, parent directory ID and short name) of the object that `ref` names.
+// Gives the FSSpec (volume, parent directory ID and short name) of the object that `ref` names.
 //
 // Result: noErr; paramErr if `spec` is null; otherwise FSGetCatalogInfo's code, unchanged.
 OSErr FSRefMakeFSSpec(const FSRef *ref, FSSpec *spec);

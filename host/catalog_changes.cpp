@@ -14,7 +14,9 @@ namespace
 class Change
 {
 public:
-    Change(Session &session, const FSRef &ref, const CatalogChanges &wanted) : plugin_(session.plugin), ref_(ref), wanted_(wanted) {}
+    Change(Invocation &invocation, const FSRef &ref, const CatalogChanges &wanted) : plugin_(invocation.plugin), ref_(ref), wanted_(wanted)
+    {
+    }
 
     OSErr setLock(bool locked) const;
     OSErr setCodes() const;
@@ -144,7 +146,7 @@ OSErr Change::setDatesAndEncoding() const
 }
 
 // Disks differ in the dates that they can hold and take the nearest without a word. A lost fraction is no failure.
-void checkDates(Session &session, const std::string &path, const FSRef &ref, const CatalogChanges &wanted)
+void checkDates(Invocation &invocation, const std::string &path, const FSRef &ref, const CatalogChanges &wanted)
 {
     FSCatalogInfo info = {};
     FSCatalogInfoBitmap bitmap = datesWanted(wanted);
@@ -157,9 +159,9 @@ void checkDates(Session &session, const std::string &path, const FSRef &ref, con
             continue;
         std::string message = "the disk cannot hold that " + std::string(date.name) + " and keeps " + isoLocal(kept);
         if (secondsSince1904(kept) == secondsSince1904(*(wanted.*date.wanted)))
-            session.report.remark(path, message);
+            invocation.report.remark(path, message);
         else
-            session.report.problem(path, message);
+            invocation.report.problem(path, message);
     }
 }
 
@@ -213,17 +215,17 @@ UInt16 CatalogChanges::contradictingFlags() const
     return static_cast<UInt16>(toSet & toClear);
 }
 
-void changeObjectAt(Session &session, const std::string &path, Links links, const CatalogChanges &changes)
+void changeObjectAt(Invocation &invocation, const std::string &path, Links links, const CatalogChanges &changes)
 {
     FSRef ref;
     OSStatus result = findObject(path, links, ref);
     if (result != noErr)
-        return session.report.failure(path, result);
-    Step last = makeChanges(Change(session, ref, changes), changes);
+        return invocation.report.failure(path, result);
+    Step last = makeChanges(Change(invocation, ref, changes), changes);
     if (last.result != noErr)
-        session.report.failure(path, last.result, last.name);
+        invocation.report.failure(path, last.result, last.name);
     else
-        checkDates(session, path, ref, changes);
+        checkDates(invocation, path, ref, changes);
 }
 
 }   // namespace host

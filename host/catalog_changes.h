@@ -31,6 +31,6 @@ struct CatalogChanges
 
 // Makes the changes to one object: unlocking, codes, flags, dates and encoding, locking. The first failure ends it and is reported with what was
 // being done. A date of which the disk kept something else is reported too.
-void changeObjectAt(Session &session, const std::string &path, Links links, const CatalogChanges &changes);
+void changeObjectAt(Invocation &invocation, const std::string &path, Links links, const CatalogChanges &changes);
 
 }   // namespace host

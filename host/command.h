@@ -13,14 +13,14 @@ namespace host
 {
 
 // What a command works with.
-struct Session
+struct Invocation
 {
     const Plugin &plugin;
     Report &report;
 };
 
-// Does the work, once the arguments are read. Failures go to the session's report, which makes the exit status.
-using Action = std::function<void(Session &)>;
+// Does the work, once the arguments are read. Failures go to the invocation's report, which makes the exit status.
+using Action = std::function<void(Invocation &)>;
 
 struct Command
 {

@@ -63,8 +63,8 @@ int work(const host::Command &command, const host::Action &action)
         throw std::runtime_error(host::printable(problem));
     host::Plugin plugin = host::loadPlugin();
     host::Report report(command.name);
-    host::Session session{plugin, report};
-    action(session);
+    host::Invocation invocation{plugin, report};
+    action(invocation);
     return finish(report.anyFailure());
 }
 

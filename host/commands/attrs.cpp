@@ -17,36 +17,36 @@ struct Options
     bool withLock = false;
 };
 
-OSStatus findWithKind(Session &session, const std::string &path, Links links, FSRef &ref, Boolean &isFolder)
+OSStatus findWithKind(Invocation &invocation, const std::string &path, Links links, FSRef &ref, Boolean &isFolder)
 {
     OSStatus result = findObject(path, links, ref);
-    return result == noErr ? session.plugin.FSGetNodeID(&ref, nullptr, &isFolder) : result;
+    return result == noErr ? invocation.plugin.FSGetNodeID(&ref, nullptr, &isFolder) : result;
 }
 
 // The copy itself takes any two objects. But a file's type and creator are a folder's window, so only like goes to like here.
-void copyTo(Session &session, const FSRef &source, bool sourceIsFolder, const std::string &path, const Options &options)
+void copyTo(Invocation &invocation, const FSRef &source, bool sourceIsFolder, const std::string &path, const Options &options)
 {
     FSRef destination;
     Boolean isFolder = false;
-    OSStatus result = findWithKind(session, path, options.links, destination, isFolder);
+    OSStatus result = findWithKind(invocation, path, options.links, destination, isFolder);
     if (result == noErr && (isFolder != 0) != sourceIsFolder)
-        return session.report.problem(path,
-                                      sourceIsFolder ? "is a file, but the source is a folder" : "is a folder, but the source is a file");
+        return invocation.report.problem(path, sourceIsFolder ? "is a file, but the source is a folder"
+                                                              : "is a folder, but the source is a file");
     if (result == noErr)
-        result = session.plugin.FSCopyFileMgrAttributes(&source, &destination, options.withLock);
+        result = invocation.plugin.FSCopyFileMgrAttributes(&source, &destination, options.withLock);
     if (result != noErr)
-        session.report.failure(path, result);
+        invocation.report.failure(path, result);
 }
 
-void copyAttributes(Session &session, const Options &options)
+void copyAttributes(Invocation &invocation, const Options &options)
 {
     FSRef source;
     Boolean isFolder = false;
-    OSStatus result = findWithKind(session, options.source, options.links, source, isFolder);
+    OSStatus result = findWithKind(invocation, options.source, options.links, source, isFolder);
     if (result != noErr)
-        return session.report.failure(options.source, result);
+        return invocation.report.failure(options.source, result);
     for (const std::string &path : options.destinations)
-        copyTo(session, source, isFolder != 0, path, options);
+        copyTo(invocation, source, isFolder != 0, path, options);
 }
 
 Action declareAttrs(CLI::App &arguments)
@@ -56,7 +56,7 @@ Action declareAttrs(CLI::App &arguments)
     addPaths(arguments, "DEST", options->destinations, "the objects to copy to");
     addLinksOption(arguments, options->links);
     arguments.add_flag("--with-lock", options->withLock, "copy the lock too; otherwise the destination ends unlocked");
-    return [options](Session &session) { copyAttributes(session, *options); };
+    return [options](Invocation &invocation) { copyAttributes(invocation, *options); };
 }
 
 }   // namespace

@@ -20,14 +20,14 @@ struct Options
     bool json = false;
 };
 
-OSStatus gatherAt(Session &session, const std::string &path, Links links, ObjectInfo &info)
+OSStatus gatherAt(Invocation &invocation, const std::string &path, Links links, ObjectInfo &info)
 {
     FSRef ref;
     OSStatus result = findObject(path, links, ref);
     if (result == noErr)
-        result = gatherInfo(session.plugin, ref, info);
+        result = gatherInfo(invocation.plugin, ref, info);
     if (result != noErr)
-        session.report.failure(path, result);
+        invocation.report.failure(path, result);
     return result;
 }
 
@@ -36,26 +36,26 @@ Json errorJson(const std::string &path, OSStatus result)
     return {{"path", path}, {"error", resultJson(result)}};
 }
 
-void showJson(Session &session, const Options &options)
+void showJson(Invocation &invocation, const Options &options)
 {
     Json list = Json::array();
     for (const std::string &path : options.paths)
     {
         ObjectInfo info;
-        OSStatus result = gatherAt(session, path, options.links, info);
+        OSStatus result = gatherAt(invocation, path, options.links, info);
         list.push_back(result == noErr ? infoJson(info) : errorJson(path, result));
     }
     std::fputs(jsonText(list).c_str(), stdout);
 }
 
-void showText(Session &session, const Options &options)
+void showText(Invocation &invocation, const Options &options)
 {
     Style style = Style::forStandardOutput();
     const char *separator = "";
     for (const std::string &path : options.paths)
     {
         ObjectInfo info;
-        if (gatherAt(session, path, options.links, info) != noErr)
+        if (gatherAt(invocation, path, options.links, info) != noErr)
             continue;
         std::printf("%s%s", separator, infoText(info, style).c_str());
         separator = "\n";
@@ -68,7 +68,7 @@ Action declareInfo(CLI::App &arguments)
     addPaths(arguments, "PATH", options->paths, "files, folders or links");
     addLinksOption(arguments, options->links);
     arguments.add_flag("--json", options->json, "one array with one object per path; \"error\" in it tells of a failure");
-    return [options](Session &session) { options->json ? showJson(session, *options) : showText(session, *options); };
+    return [options](Invocation &invocation) { options->json ? showJson(invocation, *options) : showText(invocation, *options); };
 }
 
 }   // namespace

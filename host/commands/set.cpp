@@ -109,9 +109,9 @@ Action declareSet(CLI::App &arguments)
     addChoice(arguments, "--lock", changes.locked, true, "protect it from changes, after everything else is done");
     addChoice(arguments, "--unlock", changes.locked, false, "take the protection away, before anything else is done");
     arguments.final_callback([options] { checkChanges(options->changes); });
-    return [options](Session &session) {
+    return [options](Invocation &invocation) {
         for (const std::string &path : options->paths)
-            changeObjectAt(session, path, options->links, options->changes);
+            changeObjectAt(invocation, path, options->links, options->changes);
     };
 }
 

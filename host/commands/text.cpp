@@ -20,11 +20,11 @@ const TextPart *const partOrder[] = {&fromNumberPart, &toNumberPart, &encodePart
 
 using DeclaredParts = std::vector<std::pair<const CLI::App *, Action>>;
 
-void workOnChosen(const DeclaredParts &parts, Session &session)
+void workOnChosen(const DeclaredParts &parts, Invocation &invocation)
 {
     for (const auto &[arguments, action] : parts)
         if (arguments->parsed())
-            action(session);
+            action(invocation);
 }
 
 Action declareText(CLI::App &arguments)
@@ -37,7 +37,7 @@ Action declareText(CLI::App &arguments)
         partArguments->footer(std::string(part->description) + "\nExamples:\n" + part->examples);
         parts->emplace_back(partArguments, part->declare(*partArguments));
     }
-    return [parts](Session &session) { workOnChosen(*parts, session); };
+    return [parts](Invocation &invocation) { workOnChosen(*parts, invocation); };
 }
 
 void showLine(const std::string &line, TextOutput output)
@@ -64,7 +64,7 @@ void addOutputOptions(CLI::App &arguments, TextOutput &output)
         ->excludes(json);
 }
 
-void showTexts(Session &session, const std::vector<std::string> &texts, TextOutput output,
+void showTexts(Invocation &invocation, const std::vector<std::string> &texts, TextOutput output,
                const std::function<TextRow(const std::string &)> &work)
 {
     Json list = Json::array();
@@ -80,7 +80,7 @@ void showTexts(Session &session, const std::vector<std::string> &texts, TextOutp
         }
         catch (const UsageError &error)
         {
-            session.report.problem(text, error.what());
+            invocation.report.problem(text, error.what());
             list.push_back({{"text", text}, {"error", error.what()}});
         }
     }

@@ -59,11 +59,12 @@ Action declareFromNumber(CLI::App &arguments)
     auto readDecimals = [options](const std::string &text) { options->decimals = static_cast<short>(numberFromText(text, mostDecimals)); };
     addText(arguments, "--decimals", "N", readDecimals, "digits after the point, 0 to 9; numbers may then have fractions");
     addJsonOption(arguments, options->output);
-    return [options](Session &session) {
+    return [options](Invocation &invocation) {
         auto work = [&](const std::string &number) {
-            return options->decimals ? fractionRow(session.plugin, number, *options->decimals) : wholeNumberRow(session.plugin, number);
+            return options->decimals ? fractionRow(invocation.plugin, number, *options->decimals)
+                                     : wholeNumberRow(invocation.plugin, number);
         };
-        showTexts(session, options->numbers, options->output, work);
+        showTexts(invocation, options->numbers, options->output, work);
     };
 }
 
@@ -89,20 +90,20 @@ ReadNumber readNumber(const Plugin &plugin, const std::string &text, NumberKind 
 }
 
 // The library reads any text without a word. Who asks at a command line should hear of it.
-void remarkOnGuess(Session &session, const std::string &text, NumberKind kind, const std::string &number)
+void remarkOnGuess(Invocation &invocation, const std::string &text, NumberKind kind, const std::string &number)
 {
     const char *expected = kind == NumberKind::hexadecimal ? "one to eight hexadecimal digits"
                            : kind == NumberKind::fraction  ? "a number with up to nine decimals"
                                                            : "a whole number of 32 bits";
-    session.report.remark(text, std::string("is not ") + expected + "; the library reads it as " + number);
+    invocation.report.remark(text, std::string("is not ") + expected + "; the library reads it as " + number);
 }
 
-TextRow numberOfText(Session &session, const std::string &text, NumberKind kind)
+TextRow numberOfText(Invocation &invocation, const std::string &text, NumberKind kind)
 {
-    ReadNumber number = readNumber(session.plugin, text, kind);
+    ReadNumber number = readNumber(invocation.plugin, text, kind);
     std::string shown = number.value.dump();
     if (!number.isExact)
-        remarkOnGuess(session, text, kind, shown);
+        remarkOnGuess(invocation, text, kind, shown);
     return {shown, {{"text", text}, {"number", number.value}, {"exact", number.isExact}}};
 }
 
@@ -117,9 +118,9 @@ Action declareToNumber(CLI::App &arguments)
     CLI::Option *fraction = choose("--fraction", NumberKind::fraction, "fractions, with '.' or ',' before the decimals");
     choose("--hex", NumberKind::hexadecimal, "hexadecimal numbers, with or without $ or 0x before them")->excludes(fraction);
     addJsonOption(arguments, options->output);
-    return [options](Session &session) {
-        auto work = [&](const std::string &text) { return numberOfText(session, text, options->kind); };
-        showTexts(session, options->texts, options->output, work);
+    return [options](Invocation &invocation) {
+        auto work = [&](const std::string &text) { return numberOfText(invocation, text, options->kind); };
+        showTexts(invocation, options->texts, options->output, work);
     };
 }
 

@@ -46,7 +46,7 @@ void addOutputOptions(CLI::App &arguments, TextOutput &output);
 
 // Shows what comes of each text, in their order. A UsageError that `work` throws is reported with its text, and the next one follows; in
 // JSON its place is taken by an object with "text" and "error".
-void showTexts(Session &session, const std::vector<std::string> &texts, TextOutput output,
+void showTexts(Invocation &invocation, const std::vector<std::string> &texts, TextOutput output,
                const std::function<TextRow(const std::string &)> &work);
 
 // The UTF-8 text in Mac Roman, as a Pascal string that the plug-in made.

@@ -40,9 +40,9 @@ Action declareEncode(CLI::App &arguments)
     addPaths(arguments, "TEXT", options->texts, "texts in UTF-8");
     arguments.add_flag("--c-string", options->asLiteral, "as string literals of C");
     addJsonOption(arguments, options->output);
-    return [options](Session &session) {
-        auto work = [&](const std::string &text) { return encoded(session.plugin, text, options->asLiteral); };
-        showTexts(session, options->texts, options->output, work);
+    return [options](Invocation &invocation) {
+        auto work = [&](const std::string &text) { return encoded(invocation.plugin, text, options->asLiteral); };
+        showTexts(invocation, options->texts, options->output, work);
     };
 }
 
@@ -58,7 +58,7 @@ Action declareDecode(CLI::App &arguments)
     auto options = std::make_shared<DecodeOptions>();
     addPaths(arguments, "BYTES", options->dumps, "one string an argument, its length byte first");
     addOutputOptions(arguments, options->output);
-    return [options](Session &session) { showTexts(session, options->dumps, options->output, decoded); };
+    return [options](Invocation &invocation) { showTexts(invocation, options->dumps, options->output, decoded); };
 }
 
 }   // namespace

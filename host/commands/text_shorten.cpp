@@ -63,7 +63,7 @@ struct LineBuffer
     ~LineBuffer() { std::free(line); }
 };
 
-std::vector<std::string> linesOfInput(Session &session)
+std::vector<std::string> linesOfInput(Invocation &invocation)
 {
     std::vector<std::string> lines;
     LineBuffer buffer;
@@ -73,15 +73,15 @@ std::vector<std::string> linesOfInput(Session &session)
         lines.emplace_back(buffer.line, static_cast<std::size_t>(hasLineEnd ? length - 1 : length));
     }
     if (!std::feof(stdin))
-        session.report.problem("standard input", "cannot be read");
+        invocation.report.problem("standard input", "cannot be read");
     return lines;
 }
 
-void shortenNames(Session &session, const Options &options)
+void shortenNames(Invocation &invocation, const Options &options)
 {
-    std::vector<std::string> names = options.names.empty() ? linesOfInput(session) : options.names;
-    auto work = [&](const std::string &name) { return shortened(session.plugin, name, options.width); };
-    showTexts(session, names, options.output, work);
+    std::vector<std::string> names = options.names.empty() ? linesOfInput(invocation) : options.names;
+    auto work = [&](const std::string &name) { return shortened(invocation.plugin, name, options.width); };
+    showTexts(invocation, names, options.output, work);
 }
 
 Action declareShorten(CLI::App &arguments)
@@ -91,7 +91,7 @@ Action declareShorten(CLI::App &arguments)
     auto readWidth = [options](const std::string &text) { options->width = widthFromText(text); };
     addText(arguments, "-w,--width", "PIXELS", readWidth, "how wide a name may be")->required();
     addOutputOptions(arguments, options->output);
-    return [options](Session &session) { shortenNames(session, *options); };
+    return [options](Invocation &invocation) { shortenNames(invocation, *options); };
 }
 
 }   // namespace

@@ -32,38 +32,38 @@ OSErr modificationDate(const FSRef &ref, UTCDateTime &date)
 }
 
 // Bumping does not report a date that could not be written, so the lock is asked for the reason.
-void reportUnchanged(Session &session, const std::string &path, const FSRef &ref)
+void reportUnchanged(Invocation &invocation, const std::string &path, const FSRef &ref)
 {
     const char *step = "the modification date could not be changed";
-    OSErr lock = session.plugin.FSCheckLock(&ref);
+    OSErr lock = invocation.plugin.FSCheckLock(&ref);
     if (lock != noErr)
-        session.report.failure(path, lock, step);
+        invocation.report.failure(path, lock, step);
     else
-        session.report.problem(path, step);
+        invocation.report.problem(path, step);
 }
 
-OSStatus bump(Session &session, const FSRef &ref, UTCDateTime &before, UTCDateTime &after)
+OSStatus bump(Invocation &invocation, const FSRef &ref, UTCDateTime &before, UTCDateTime &after)
 {
     OSStatus result = modificationDate(ref, before);
     if (result == noErr)
-        result = session.plugin.FSBumpDate(&ref);
+        result = invocation.plugin.FSBumpDate(&ref);
     if (result == noErr)
         result = modificationDate(ref, after);
     return result;
 }
 
-void touch(Session &session, const std::string &path, const Options &options)
+void touch(Invocation &invocation, const std::string &path, const Options &options)
 {
     FSRef ref;
     UTCDateTime before = {};
     UTCDateTime after = {};
     OSStatus result = findObject(path, options.links, ref);
     if (result == noErr)
-        result = bump(session, ref, before, after);
+        result = bump(invocation, ref, before, after);
     if (result != noErr)
-        session.report.failure(path, result);
+        invocation.report.failure(path, result);
     else if (sameDate(before, after))
-        reportUnchanged(session, path, ref);
+        reportUnchanged(invocation, path, ref);
     else if (options.verbose)
         std::printf("%s: %s -> %s\n", printable(path).c_str(), isoLocal(before).c_str(), isoLocal(after).c_str());
 }
@@ -74,9 +74,9 @@ Action declareTouch(CLI::App &arguments)
     addPaths(arguments, "PATH", options->paths, "files, folders or links; they must exist");
     addLinksOption(arguments, options->links);
     arguments.add_flag("-v,--verbose", options->verbose, "show the date before and after");
-    return [options](Session &session) {
+    return [options](Invocation &invocation) {
         for (const std::string &path : options->paths)
-            touch(session, path, *options);
+            touch(invocation, path, *options);
     };
 }
 

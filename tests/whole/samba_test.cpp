@@ -38,7 +38,7 @@ public:
         for (std::string part : {"", "/lock", "/state", "/cache", "/private", "/pid", "/ncalrpc", "/share"})
             mkdir((folder + part).c_str(), 0755);
         writeConfiguration();
-        // In a session of its own: it ends its whole process group when it ends.
+        // In a process group of its own: it ends the whole group when it ends.
         process_ = std::make_unique<Running>(
             start({"setsid", "/usr/sbin/smbd", "--foreground", "--configfile=" + configuration(), "--no-process-group"}));
         waitUntilReady();
