@@ -7,7 +7,7 @@
 #include "standin/files/sidecar_store.h"
 
 #include <algorithm>
-#include <limits>
+#include <fcntl.h>
 
 namespace standin
 {
@@ -50,6 +50,16 @@ OSErr resourceSize(const OpenFork &fork, std::uint64_t &size)
     return openForReading(fork, sidecar, size);
 }
 
+// A new sidecar has a copy of the Finder information. That it is only a copy is noted, as with every change of that information: else it would
+// come back after a file server has cleared it.
+OSErr noteCopy(const Object &object)
+{
+    Descriptor itself;
+    if (OSErr result = openItself(object, O_PATH, itself))
+        return result;
+    return changeMetadata(object, itself.number(), kFinderPart, [](Metadata &) {});
+}
+
 // Does a change with the sidecar open for writing, its fork able to grow, and the folder locked.
 template <typename Change>
 OSErr changeSidecar(const OpenFork &fork, Change change)
@@ -60,9 +70,15 @@ OSErr changeSidecar(const OpenFork &fork, Change change)
     if (OSErr result = findAndLock(&fork.object, object, lock))
         return result;
     Metadata metadata;
+    bool isThere = false;
     readMetadata(object, kFinderPart, metadata);
+    if (OSErr result = findSidecar(placeOf(object), isThere))
+        return result;
     if (OSErr result = openGrowingFork(placeOf(object), metadata.finderInfo, sidecar))
         return result;
+    if (!isThere && object.volume->hasAttributes && metadata.finderInfo != FinderBytes{})
+        if (OSErr result = noteCopy(object))
+            return result;
     return resultFromErrno(-change(sidecar));
 }
 

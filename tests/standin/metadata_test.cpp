@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace
@@ -324,6 +325,19 @@ TEST_P(Metadata, AForkLiesInASidecarOfTheCommonForm)
     EXPECT_EQ(Bytes(sidecar.end() - static_cast<std::ptrdiff_t>(fork.size()), sidecar.end()), fork)
         << "the fork comes last, because it grows";
     EXPECT_EQ(forkOf(refAt(folder() / "file")), fork);
+}
+
+// A file server that is told to clear Finder information removes the shared attribute. The copy that the fork's sidecar holds must not bring it back.
+TEST_P(Metadata, AClearedAttributeIsNotReplacedByTheCopyInTheForksSidecar)
+{
+    if (!disk().hasAttributes)
+        GTEST_SKIP() << "no attributes on this disk";
+    FSRef ref = fileRef("file");
+    ASSERT_EQ(setType(ref, code("TEXT"), code("ttxt")), noErr);
+    ASSERT_EQ(writeFork(ref, true, {1, 2, 3}), noErr);
+    ASSERT_EQ(removexattr((folder() / "file").c_str(), "user.org.netatalk.Metadata"), 0);
+    EXPECT_EQ(typeOf(ref), 0u);
+    EXPECT_EQ(forkOf(ref), (Bytes{1, 2, 3}));
 }
 
 TEST_P(Metadata, AHardLinkedSidecarIsCopiedBeforeItIsWritten)
