@@ -1,6 +1,6 @@
 // One piece of an object's catalog record at a time: read it, change it, write it back.
 
-#include "files/fstoolkit.h"
+#include "files/catalog.h"
 
 #include <cstring>
 
