@@ -15,4 +15,10 @@
 
 #pragma once
 
-#include "files/catalog.h"   // catalog and Finder information
+#include "files/catalog.h"      // catalog and Finder information
+#include "files/volumes.h"      // volumes and mounting
+#include "files/names.h"        // names and paths
+#include "files/forks.h"        // fork sizes and copying
+#include "files/containers.h"   // walking, listing and deleting
+#include "files/moves.h"        // moving, renaming and exchanging
+#include "files/access.h"       // access privileges, file IDs and the default directory

@@ -1,6 +1,7 @@
 // References, names, node IDs, privileges and Finder information, read from the catalog.
 
 #include "tests/contract/catalog_fixture.h"
+#include "tests/contract/stack_pattern.h"
 
 namespace
 {
@@ -56,35 +57,14 @@ TEST_F(CatalogReading, ReferenceWithoutPlaceForItIsRefusedBeforeAnyCall)
     EXPECT_EQ(platform.calls(), Calls{});
 }
 
-// Leaves a pattern where the next function called will have its local variables.
-[[gnu::noinline]] void fillStackWithPattern()
-{
-    volatile UInt8 area[16384];
-    for (volatile UInt8 &byte : area)
-        byte = 0xA5;
-}
-
-// Calls from deep inside the patterned part, clear of what the filling itself left at its upper end.
-[[gnu::noinline]] OSErr makeReferenceInsidePattern(FSRef *newRef)
-{
-    [[maybe_unused]] volatile UInt8 room[1024];
-    room[0] = 0;
-    const OSErr result = FSMakeFSRef(-100, fsRtDirID, nullptr, newRef);
-    room[1023] = 0;
-    return result;
-}
-
 TEST_F(CatalogReading, ReferenceBlockHasOnlyItsFourFieldsFilled)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "sanitizers place and clear local variables in their own way";
-#endif
-    fillStackWithPattern();
-    const OSErr result = makeReferenceInsidePattern(&outputs.ref);
-    ASSERT_EQ(result, noErr);
+    if (!stackCanBePatterned)
+        GTEST_SKIP() << "sanitizers place and clear local variables in their own way";
+    ASSERT_EQ(onPatternedStack([&] { return FSMakeFSRef(-100, fsRtDirID, nullptr, &outputs.ref); }), noErr);
 
     FSRefParam untouchedBlock;
-    std::memset(static_cast<void *>(&untouchedBlock), 0xA5, sizeof untouchedBlock);
+    std::memset(static_cast<void *>(&untouchedBlock), stackPattern, sizeof untouchedBlock);
     untouchedBlock.ioVRefNum = -100;
     untouchedBlock.ioDirID = fsRtDirID;
     untouchedBlock.ioNamePtr = nullptr;

@@ -4,12 +4,6 @@
 
 #include <cstring>
 
-namespace
-{
-
-// What a record is filled with around the fields that were asked for: whoever reads others gets this.
-constexpr int neverAskedFor = 0xA5;
-
 FSSpec specificationOf(const FileObject &object)
 {
     FSSpec spec = {};
@@ -19,6 +13,12 @@ FSSpec specificationOf(const FileObject &object)
     return spec;
 }
 
+namespace
+{
+
+// What a record is filled with around the fields that were asked for: whoever reads others gets this.
+constexpr int neverAskedFor = 0xA5;
+
 // The root folder's "parent" is not an object, but not all zero bytes either.
 FSRef parentReferenceOf(const FileObject &object)
 {
@@ -27,31 +27,6 @@ FSRef parentReferenceOf(const FileObject &object)
     FSRef none;
     std::memset(&none, 0xEE, sizeof none);
     return none;
-}
-
-VolumeObject *findVolume(FilesDouble &files, FSVolumeRefNum number, ItemCount index)
-{
-    ItemCount position = 0;
-    for (VolumeObject &each : files.volumes)
-        if (index == 0 ? each.number == number : ++position == index)
-            return &each;
-    return nullptr;
-}
-
-FileObject *findDirectory(FilesDouble &files, FSVolumeRefNum volume, SInt32 dirID)
-{
-    for (FileObject &each : files.objects)
-        if (each.isFolder() && each.info.volume == volume && each.info.nodeID == static_cast<UInt32>(dirID))
-            return &each;
-    return nullptr;
-}
-
-FileObject *findChild(FilesDouble &files, const FileObject &directory, ConstStr255Param name)
-{
-    for (FileObject &each : files.objects)
-        if (each.parent == &directory && each.name.size() == name[0] && std::memcmp(each.name.data(), name + 1, name[0]) == 0)
-            return &each;
-    return nullptr;
 }
 
 }   // namespace
@@ -73,7 +48,8 @@ OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap whichInfo, FSCatalo
         return errFSMissingCatInfo;
     if (catalogInfo != nullptr)
     {
-        std::memset(catalogInfo, neverAskedFor, sizeof *catalogInfo);
+        if (platform.files.spoilsRecords)
+            std::memset(catalogInfo, neverAskedFor, sizeof *catalogInfo);
         copyCatalogFields(whichInfo, object->info, *catalogInfo);
     }
     if (outName != nullptr)
@@ -116,7 +92,7 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
     if (failure != noErr)
         return failure;
 
-    const VolumeObject *found = findVolume(platform.files, volume, volumeIndex);
+    const VolumeObject *found = platform.files.findVolume(volume, volumeIndex);
     if (found == nullptr)
         return nsvErr;
     if (actualVolume != nullptr)
@@ -145,11 +121,11 @@ OSErr PBMakeFSRefSync(FSRefParamPtr paramBlock)
     if (failure != noErr)
         return failure;
 
-    const FileObject *found = findDirectory(platform.files, paramBlock->ioVRefNum, paramBlock->ioDirID);
+    const FileObject *found = platform.files.findDirectory(paramBlock->ioVRefNum, paramBlock->ioDirID);
     if (found == nullptr)
         return dirNFErr;
     if (paramBlock->ioNamePtr != nullptr)
-        found = findChild(platform.files, *found, paramBlock->ioNamePtr);
+        found = platform.files.findChild(*found, paramBlock->ioNamePtr);
     if (found == nullptr)
         return fnfErr;
     *paramBlock->newRef = found->ref;

@@ -84,6 +84,7 @@ bool equal(const FSRef &a, const FSRef &b)
 
 constexpr FSVolumeRefNum volumeNumber = -100;
 constexpr UInt32 firstNodeID = 16;
+constexpr std::size_t generationByte = sizeof(FSRef) - 3;   // of a reference: how often the object was renamed or moved
 
 }   // namespace
 
@@ -104,6 +105,18 @@ HFSUniStr255 unicodeName(const std::string &name)
     for (std::size_t index = 0; index < name.size(); ++index)
         result.unicode[index] = static_cast<UInt8>(name[index]);
     return result;
+}
+
+std::string textOf(const UniChar *units, UniCharCount length)
+{
+    std::string text;
+    for (UniCharCount index = 0; index < length; ++index)
+    {
+        char unit[8];
+        std::snprintf(unit, sizeof unit, units[index] >= 0x20 && units[index] < 0x7F ? "%c" : "\\u%04X", units[index]);
+        text += unit;
+    }
+    return text;
 }
 
 FileInfo FileObject::fileInfo() const
@@ -144,12 +157,12 @@ FileObject &FilesDouble::add(const std::string &name, FileObject *parent, bool i
     return objects.emplace_back(FileObject{name, parent, referenceNamed(name), info});
 }
 
-FileObject &FilesDouble::object(const std::string &name)
+FileObject &FilesDouble::object(const std::string &label)
 {
     for (FileObject &each : objects)
-        if (each.name == name)
+        if (each.label == label)
             return each;
-    std::fprintf(stderr, "platform double: no object called %s\n", name.c_str());
+    std::fprintf(stderr, "platform double: no object called %s\n", label.c_str());
     std::abort();
 }
 
@@ -157,8 +170,46 @@ FileObject *FilesDouble::find(const FSRef *ref)
 {
     if (ref != nullptr)
         for (FileObject &each : objects)
-            if (equal(each.ref, *ref))
+            if (equal(each.ref, *ref) ||
+                std::any_of(each.earlierRefs.begin(), each.earlierRefs.end(), [ref](const FSRef &earlier) { return equal(earlier, *ref); }))
                 return &each;
+    return nullptr;
+}
+
+void FilesDouble::renewReference(FileObject &object)
+{
+    object.earlierRefs.push_back(object.ref);
+    object.ref = referenceNamed(object.label);
+    object.ref.hidden[generationByte] = static_cast<UInt8>(object.earlierRefs.size());
+}
+
+FileObject *FilesDouble::findChild(const FileObject &directory, const std::string &name)
+{
+    for (FileObject &each : objects)
+        if (each.parent == &directory && each.name == name)
+            return &each;
+    return nullptr;
+}
+
+FileObject *FilesDouble::findDirectory(FSVolumeRefNum volume, SInt32 dirID)
+{
+    for (FileObject &each : objects)
+        if (each.isFolder() && each.info.volume == volume && each.info.nodeID == static_cast<UInt32>(dirID))
+            return &each;
+    return nullptr;
+}
+
+FileObject *FilesDouble::findChild(const FileObject &directory, ConstStr255Param name)
+{
+    return findChild(directory, std::string(reinterpret_cast<const char *>(name + 1), name[0]));
+}
+
+VolumeObject *FilesDouble::findVolume(FSVolumeRefNum number, ItemCount index)
+{
+    ItemCount position = 0;
+    for (VolumeObject &each : volumes)
+        if (index == 0 ? each.number == number : ++position == index)
+            return &each;
     return nullptr;
 }
 
@@ -169,5 +220,8 @@ std::string FilesDouble::describe(const FSRef *ref)
     if (equal(*ref, FSRef{}))
         return "ref:zero";
     const FileObject *object = find(ref);
-    return object == nullptr ? "ref:?" : "ref:" + object->name;
+    if (object == nullptr)
+        return "ref:?";
+    const int generation = ref->hidden[generationByte];
+    return "ref:" + object->label + (generation == 0 ? "" : '#' + std::to_string(generation));
 }

@@ -9,8 +9,15 @@
 
 #pragma once
 
+#include "tests/contract/double_access.h"
+#include "tests/contract/double_blocks.h"
 #include "tests/contract/double_dates.h"
 #include "tests/contract/double_files.h"
+#include "tests/contract/double_forks.h"
+#include "tests/contract/double_handles.h"
+#include "tests/contract/double_iterators.h"
+#include "tests/contract/double_mounting.h"
+#include "tests/contract/double_names.h"
 #include "tests/contract/double_text.h"
 #include "tests/contract/recorder.h"
 
@@ -28,4 +35,11 @@ public:
     FilesDouble files;
     DatesDouble dates;
     TextDouble text;
+    NamesDouble names;
+    ForksDouble forks;
+    BlocksDouble blocks;
+    HandlesDouble handles;
+    IteratorsDouble iterators;
+    AccessDouble access;
+    MountingDouble mounting;
 };

@@ -14,14 +14,17 @@ std::string hex(UInt64 number)
     return text;
 }
 
-std::string quoted(ConstStr255Param text)
+std::string plainText(ConstStr255Param text)
 {
-    if (text == nullptr)
-        return "-";
-    std::string result = "\"";
+    std::string result;
     for (int position = 1; position <= text[0]; ++position)
         result += static_cast<char>(text[position]);
-    return result + '"';
+    return result;
+}
+
+std::string quoted(ConstStr255Param text)
+{
+    return text == nullptr ? "-" : '"' + plainText(text) + '"';
 }
 
 std::string field(const std::string &name, const std::string &value)
@@ -46,6 +49,11 @@ void Recorder::failFromCall(int nth, OSStatus code)
 void Recorder::failEvery(const std::string &callName, OSStatus code)
 {
     codesByName[callName] = code;
+}
+
+void Recorder::failLine(const std::string &line, OSStatus code)
+{
+    codesByLine[line] = code;
 }
 
 void Recorder::nameAddress(const void *address, const std::string &name)
@@ -89,6 +97,9 @@ OSStatus Recorder::recordStatus(const std::string &callName, std::initializer_li
             firstFailedCall = recordedCalls.back();
         return codeByNumber;
     }
+    const auto line = codesByLine.find(recordedCalls.back());
+    if (line != codesByLine.end())
+        return line->second;
     const auto named = codesByName.find(callName);
     return named == codesByName.end() ? OSStatus{noErr} : named->second;
 }

@@ -17,7 +17,8 @@ using Calls = std::vector<std::string>;
 // Texts of arguments
 std::string decimal(SInt64 number);
 std::string hex(UInt64 number);
-std::string quoted(ConstStr255Param text);
+std::string plainText(ConstStr255Param text);
+std::string quoted(ConstStr255Param text);   // the same in quotes, or "-" for a null one
 
 // One named field of a parameter block: ioDirID=16
 std::string field(const std::string &name, const std::string &value);
@@ -42,6 +43,9 @@ public:
     void failFromCall(int nth, OSStatus code);
     void failEvery(const std::string &callName, OSStatus code);
 
+    // Every call with exactly this line fails with this code.
+    void failLine(const std::string &line, OSStatus code);
+
     // Whether a failure asked for by number has come, and the line of the first call that failed so.
     bool failureReached() const { return !firstFailedCall.empty(); }
     const std::string &failedCall() const { return firstFailedCall; }
@@ -64,6 +68,7 @@ private:
     Calls recordedCalls;
     std::map<const void *, std::string> addressNames;
     std::map<std::string, OSStatus> codesByName;
+    std::map<std::string, OSStatus> codesByLine;
     int callsBeforeFailure = 0;   // 0 when no failure is waiting
     bool failsEverAfter = false;
     OSStatus codeByNumber = noErr;
