@@ -25,6 +25,7 @@ constexpr RegionCode kTextRegionDontCare = -128;
 constexpr TextEncoding kTextEncodingMacRoman = 0;
 constexpr TextEncoding kTextEncodingUnknown = 0xFFFF;   // as a hint: derive it from the system's script and region
 
+constexpr OptionBits kUnicodeUseFallbacksMask = 0x01;
 constexpr OptionBits kUnicodeLooseMappingsMask = 0x20;
 
 #pragma GCC visibility push(default)

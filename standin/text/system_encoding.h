@@ -1,8 +1,12 @@
-// The system's text encoding, Mac Roman, and the file system's two forms of Unicode text.
+// The system's text encoding: names of FSSpecs and parameter blocks are in it.
 //
-// Everything here is strict: a byte is exactly one character and a character is one byte or none, without substitutes or look-alikes.
-// All functions may be called from any thread.
+// It is the one that script and region of the process's locale decide (script_manager.h): Mac Roman for western locales and where there is no
+// locale, Mac Japanese for ja_JP. It never changes while the process lives.
+//
+// Everything here is strict: no substitutes and no look-alikes. All functions may be called from any thread.
 #pragma once
+
+#include "standin/text/unicode_forms.h"
 
 #include "platform/platform.h"
 
@@ -12,24 +16,14 @@
 namespace standin
 {
 
-// The character of a byte of the system's encoding. Every byte has one.
-UniChar unicodeFromSystemByte(UInt8 byte);
+TextEncoding systemEncoding();
 
-// The byte of a character. False if the encoding has none; `byte` is then untouched.
-bool systemByteFromUnicode(UniChar unit, UInt8 &byte);
-
-// Text of the system's encoding as UTF-16.
-std::u16string unicodeFromSystemText(std::string_view text);
+// Text of the system's encoding as UTF-16, each code as its character. In Mac Roman every byte has one.
+// False if any code has none or breaks off; `unicode` is then untouched.
+bool unicodeFromSystemText(std::string_view text, std::u16string &unicode);
 
 // UTF-16 as text of the system's encoding. A base letter with a separate accent is two characters here: compose first where that matters.
-// False if any character has no byte; `text` is then untouched.
+// False if any character has no code; `text` is then untouched.
 bool systemTextFromUnicode(std::u16string_view unicode, std::string &text);
-
-// The file system decomposes canonically, but leaves U+2000..U+2FFF, U+F900..U+FAFF and U+2F800..U+2FAFF whole (so U+2260, "not equal", stays).
-std::u16string decomposed(std::u16string_view unicode);
-
-// The composed form, with the same ranges left alone: a character of them is neither replaced nor made ("=" and U+0338 stay two).
-// So decomposed(composed(x)) == decomposed(x) for every x. Unpaired surrogates stay as they are in both forms.
-std::u16string composed(std::u16string_view unicode);
 
 }   // namespace standin

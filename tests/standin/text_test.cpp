@@ -1,6 +1,8 @@
 // The system's encoding against a table of its own, and the file system's two forms of Unicode text.
 #include "standin/text/system_encoding.h"
 
+#include "tests/standin/conversions.h"
+
 #include <gtest/gtest.h>
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
@@ -15,22 +17,7 @@ namespace
 
 using standin::composed;
 using standin::decomposed;
-
-const char16_t upperHalf[128] = {
-    0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5, 0x00E7, 0x00E9, 0x00E8,   // 80
-    0x00EA, 0x00EB, 0x00ED, 0x00EC, 0x00EE, 0x00EF, 0x00F1, 0x00F3, 0x00F2, 0x00F4, 0x00F6, 0x00F5, 0x00FA, 0x00F9, 0x00FB, 0x00FC,   // 90
-    0x2020, 0x00B0, 0x00A2, 0x00A3, 0x00A7, 0x2022, 0x00B6, 0x00DF, 0x00AE, 0x00A9, 0x2122, 0x00B4, 0x00A8, 0x2260, 0x00C6, 0x00D8,   // A0
-    0x221E, 0x00B1, 0x2264, 0x2265, 0x00A5, 0x00B5, 0x2202, 0x2211, 0x220F, 0x03C0, 0x222B, 0x00AA, 0x00BA, 0x03A9, 0x00E6, 0x00F8,   // B0
-    0x00BF, 0x00A1, 0x00AC, 0x221A, 0x0192, 0x2248, 0x2206, 0x00AB, 0x00BB, 0x2026, 0x00A0, 0x00C0, 0x00C3, 0x00D5, 0x0152, 0x0153,   // C0
-    0x2013, 0x2014, 0x201C, 0x201D, 0x2018, 0x2019, 0x00F7, 0x25CA, 0x00FF, 0x0178, 0x2044, 0x20AC, 0x2039, 0x203A, 0xFB01, 0xFB02,   // D0
-    0x2021, 0x00B7, 0x201A, 0x201E, 0x2030, 0x00C2, 0x00CA, 0x00C1, 0x00CB, 0x00C8, 0x00CD, 0x00CE, 0x00CF, 0x00CC, 0x00D3, 0x00D4,   // E0
-    0xF8FF, 0x00D2, 0x00DA, 0x00DB, 0x00D9, 0x0131, 0x02C6, 0x02DC, 0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7,   // F0
-};
-
-char16_t expectedUnit(int byte)
-{
-    return byte < 0x80 ? static_cast<char16_t>(byte) : upperHalf[byte - 0x80];
-}
+using support::macRoman;
 
 bool isLeftAlone(UChar32 character)
 {
@@ -87,10 +74,19 @@ std::u16string randomText(std::mt19937 &random)
     return text;
 }
 
+TEST(SystemEncoding, IsMacRomanWithoutALocale)
+{
+    EXPECT_EQ(standin::systemEncoding(), kTextEncodingMacRoman);
+}
+
 TEST(SystemEncoding, EveryByteIsTheCharacterOfTheTable)
 {
     for (int byte = 0; byte < 256; ++byte)
-        EXPECT_EQ(standin::unicodeFromSystemByte(static_cast<UInt8>(byte)), expectedUnit(byte)) << "byte " << byte;
+    {
+        std::u16string unicode;
+        ASSERT_TRUE(standin::unicodeFromSystemText(std::string(1, static_cast<char>(byte)), unicode));
+        EXPECT_EQ(unicode, std::u16string(1, macRoman(byte))) << "byte " << byte;
+    }
 }
 
 TEST(SystemEncoding, OnlyTheCharactersOfTheTableHaveAByte)
@@ -98,12 +94,12 @@ TEST(SystemEncoding, OnlyTheCharactersOfTheTableHaveAByte)
     for (int unit = 0; unit <= 0xFFFF; ++unit)
     {
         int expected = 0;
-        while (expected < 256 && expectedUnit(expected) != unit)
+        while (expected < 256 && macRoman(expected) != unit)
             ++expected;
-        UInt8 byte = 0x55;
-        bool converts = standin::systemByteFromUnicode(static_cast<UniChar>(unit), byte);
+        std::string text = "untouched";
+        bool converts = standin::systemTextFromUnicode(std::u16string(1, static_cast<char16_t>(unit)), text);
         ASSERT_EQ(converts, expected < 256) << "unit " << unit;
-        ASSERT_EQ(byte, converts ? expected : 0x55) << "unit " << unit;
+        ASSERT_EQ(text, converts ? std::string(1, static_cast<char>(expected)) : "untouched") << "unit " << unit;
     }
 }
 
@@ -112,7 +108,8 @@ TEST(SystemEncoding, TextConvertsThereAndBack)
     std::string everyByte;
     for (int byte = 0; byte < 256; ++byte)
         everyByte.push_back(static_cast<char>(byte));
-    const std::u16string unicode = standin::unicodeFromSystemText(everyByte);
+    std::u16string unicode;
+    ASSERT_TRUE(standin::unicodeFromSystemText(everyByte, unicode));
     EXPECT_EQ(unicode.size(), 256u);
     std::string back;
     ASSERT_TRUE(standin::systemTextFromUnicode(unicode, back));
