@@ -49,6 +49,17 @@ using NotificationObserver = std::function<void(const FSRef &object, UInt32 mess
 int addNotificationObserver(NotificationObserver observer);
 void removeNotificationObserver(int number);
 
+// Whether a copied file, its metadata and its name are on the disk itself before PBHCopyFileSync returns. Off at first: then a power cut shortly after a copy
+// may lose it, as with every other change. A process that ends loses nothing either way.
+void setSyncsCopies(bool syncs);
+
+// Is told how far a copy has come, on the thread that copies: after every 64 MiB at the latest, and at the end. `bytesInAll` counts data and resource fork; a
+// file whose blocks are shared is done at once, and an empty one is not reported. It must not copy files itself, nor throw.
+using CopyProgress = std::function<void(std::uint64_t bytesDone, std::uint64_t bytesInAll)>;
+
+// Sets who is told; an empty function ends it. A copy that is under way goes on with the one that was set when it began.
+void setCopyProgress(CopyProgress progress);
+
 // How many system calls the file manager has made in this process so far.
 std::uint64_t systemCallCount();
 

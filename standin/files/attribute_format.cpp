@@ -51,6 +51,7 @@ constexpr std::uint8_t hintFlag = 0x02;
 constexpr std::uint8_t creationFlag = 0x04;
 constexpr std::uint8_t backupFlag = 0x08;
 constexpr std::uint8_t finderInfoWasSharedFlag = 0x10;
+constexpr std::uint8_t blankAccessFlag = 0x20;
 
 // Where the fields of our own record stand.
 constexpr std::size_t ownVersionAt = 4;
@@ -137,6 +138,18 @@ bool acceptSharedAttribute(std::span<const std::uint8_t> bytes, SharedAttribute 
     return true;
 }
 
+void clearPrivateEntries(SharedAttribute &attribute)
+{
+    for (std::size_t i = 0; i < std::size(sharedEntries); ++i)
+    {
+        const SharedEntry &entry = sharedEntries[i];
+        if (!isPrivateEntry(entry.id))
+            continue;
+        writeBig32(attribute.data() + descriptorAt(i) + 8, entry.lengthWhenNew);
+        std::fill_n(attribute.begin() + entry.offset, entry.room, std::uint8_t{0});
+    }
+}
+
 FinderBytes sharedFinderInfo(const SharedAttribute &attribute)
 {
     FinderBytes info;
@@ -207,7 +220,7 @@ void writeMacintoshLock(std::span<std::uint8_t, 4> bytes, bool locked)
 
 bool OwnRecord::isDefault() const
 {
-    return !locked && !hint && !creationDate && !backupDate && !finderInfoWasShared;
+    return !locked && !hint && !creationDate && !backupDate && !finderInfoWasShared && !blankAccess;
 }
 
 std::array<std::uint8_t, ownRecordSize> buildOwnRecord(const OwnRecord &record)
@@ -235,6 +248,8 @@ std::array<std::uint8_t, ownRecordSize> buildOwnRecord(const OwnRecord &record)
     }
     if (record.finderInfoWasShared)
         flags |= finderInfoWasSharedFlag;
+    if (record.blankAccess)
+        flags |= blankAccessFlag;
     bytes[ownFlagsAt] = static_cast<std::uint8_t>(flags);
     return bytes;
 }
@@ -253,6 +268,7 @@ std::optional<OwnRecord> parseOwnRecord(std::span<const std::uint8_t> bytes)
     if (flags & backupFlag)
         record.backupDate = readDate(bytes.data() + ownBackupAt);
     record.finderInfoWasShared = (flags & finderInfoWasSharedFlag) != 0;
+    record.blankAccess = (flags & blankAccessFlag) != 0;
     return record;
 }
 

@@ -31,6 +31,9 @@ SharedAttribute emptySharedAttribute();   // no Finder information, all dates un
 // They, and the filler, are kept as they are.
 bool acceptSharedAttribute(std::span<const std::uint8_t> bytes, SharedAttribute &attribute);
 
+// Empties the private entries: they say to which device and inode the attribute belongs, which is wrong for a copy of the file.
+void clearPrivateEntries(SharedAttribute &attribute);
+
 FinderBytes sharedFinderInfo(const SharedAttribute &attribute);
 void setSharedFinderInfo(SharedAttribute &attribute, const FinderBytes &info);
 
@@ -52,7 +55,7 @@ void writeMacintoshLock(std::span<std::uint8_t, 4> bytes, bool locked);
 
 // Our own record, 28 bytes big-endian: "ZERB", version (1 byte, 1), flags (1 byte), 2 reserved bytes, hint (4), creation date (8), backup date (8).
 // The flags say which of the values were ever set: 0x01 locked, 0x02 hint, 0x04 creation date, 0x08 backup date,
-// 0x10 finderInfoWasShared. What is not set is written as zeros and read as absent whatever its bytes say. A date is its three fields in order.
+// 0x10 finderInfoWasShared, 0x20 blank access. What is not set is written as zeros and read as absent whatever its bytes say. A date is its three fields in order.
 // A later version may raise the number, append bytes and use further flags: what this version does not know is ignored.
 struct OwnRecord
 {
@@ -63,6 +66,7 @@ struct OwnRecord
     // The Finder information was written to the shared attribute while a sidecar held a copy. If the shared attribute is gone, a file server
     // has cleared it, and the copy no longer counts.
     bool finderInfoWasShared = false;
+    bool blankAccess = false;   // of a folder: it was given the access rights of the folder that it lies in
     bool isDefault() const;   // nothing is set: nothing needs to be written
 };
 std::array<std::uint8_t, ownRecordSize> buildOwnRecord(const OwnRecord &record);

@@ -259,6 +259,9 @@ OSErr fillCatalogInfo(const Object &object, FSCatalogInfoBitmap which, FSCatalog
     unsigned parts = partsFor(which);
     if ((which & kFSCatInfoRsrcSizes) && object.status.isRegular())
         parts |= kForkPart;
+    constexpr unsigned needSidecar = kLockPart | kForkPart;   // what is locked has a sidecar, too
+    if (object.sidecarIsAbsent && (parts & ~needSidecar) == 0)
+        parts = 0;
     Metadata metadata;
     if (parts)
         readMetadata(object, parts, metadata);

@@ -2,11 +2,26 @@
 
 #include "standin/files/catalog.h"
 #include "standin/files/errors.h"
+#include "standin/files/exchange_finishing.h"
 #include "standin/files/metadata.h"
 #include "standin/files/names.h"
+#include "standin/files/reference_format.h"
 
 namespace standin
 {
+
+OSErr guessPlace(const FSRef *reference, Object &object)
+{
+    ReferenceFields fields;
+    if (reference && readReference(*reference, fields) && fields.parentID != fsRtParID)
+    {
+        object.volume = findVolume(fields.volume);
+        object.parentID = fields.parentID;
+        if (object.volume && openFolder(*object.volume, fields.parentID, object.folder) == noErr)
+            return noErr;
+    }
+    return findObject(reference, object);
+}
 
 OSErr openForAdding(const FSRef *folderReference, Object &folder, FolderHandle &opened, ChangeLock &lock)
 {
@@ -23,35 +38,49 @@ OSErr openForAdding(const FSRef *folderReference, Object &folder, FolderHandle &
 
 OSErr findAndLock(const FSRef *reference, Object &object, ChangeLock &lock, Anchoring anchoring)
 {
+    const auto look = [&] { return anchoring == Anchoring::anew ? findObjectAnew(reference, object) : findObject(reference, object); };
+    bool wasUnparked = false;
+    if (OSErr result = guessPlace(reference, object))
+        return result;
     for (;;)
     {
-        if (OSErr result = findObject(reference, object))
-            return result;
         const UInt32 folderID = object.parentID;
         if (OSErr result = lock.take(*object.volume, folderID, object.folder))
             return result;
-        if (OSErr result = anchoring == Anchoring::anew ? findObjectAnew(reference, object) : findObject(reference, object))
+        if (OSErr result = look())
             return result;
-        if (object.parentID == folderID)
+        const bool isHere = object.parentID == folderID;
+        if (isHere && (wasUnparked || !looksParked(object.name)))
             return noErr;
-        lock.release();   // it was moved while the lock was waited for
+        lock.release();   // it lies elsewhere, or was moved while the lock was waited for
+        if (isHere)
+            unpark(object);
+        wasUnparked |= isHere;
     }
 }
 
-OSErr findAndLockBoth(const FSRef *reference, UInt32 otherID, const FolderHandle &other, Object &object, ChangeLock &lock)
+OSErr findAndLockBoth(const FSRef *reference, const Volume &volume, UInt32 otherID, const FolderHandle &other, Object &object,
+                      ChangeLock &lock)
 {
+    bool wasUnparked = false;
+    if (OSErr result = guessPlace(reference, object))
+        return result;
     for (;;)
     {
-        if (OSErr result = findObject(reference, object))
-            return result;
         const UInt32 folderID = object.parentID;
+        if (object.volume.get() != &volume)
+            return diffVolErr;
         if (OSErr result = lock.take(*object.volume, folderID, object.folder, otherID, other))
             return result;
         if (OSErr result = findObject(reference, object))
             return result;
-        if (object.parentID == folderID)
+        const bool isHere = object.parentID == folderID;
+        if (isHere && (wasUnparked || !looksParked(object.name)))
             return noErr;
         lock.release();
+        if (isHere)
+            unpark(object);
+        wasUnparked |= isHere;
     }
 }
 
@@ -61,15 +90,15 @@ OSErr checkMayLeave(const Object &object)
         return fBsyErr;
     if (OSErr result = object.volume->checkChangeable())
         return result;
-    return checkNotLocked(object);
+    bool exchangeWasCutOff = false;
+    if (OSErr result = checkNotLocked(object, &exchangeWasCutOff))
+        return result;
+    return exchangeWasCutOff ? finishExchangeOf(object) : static_cast<OSErr>(noErr);
 }
 
-OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const std::string *self)
+OSErr checkNamesAreFree(int folder, const std::vector<std::string> &names, const std::string *self)
 {
-    std::vector<std::string> candidates;
-    if (OSErr result = lookupNamesFromUnicode(units, count, candidates))
-        return result;
-    for (const std::string &candidate : candidates)
+    for (const std::string &candidate : names)
     {
         ObjectStatus status;
         if (self && candidate == *self)
@@ -81,6 +110,14 @@ OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const
             return resultFromErrno(-failure);
     }
     return noErr;
+}
+
+OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const std::string *self)
+{
+    std::vector<std::string> candidates;
+    if (OSErr result = lookupNamesFromUnicode(units, count, candidates))
+        return result;
+    return checkNamesAreFree(folder, candidates, self);
 }
 
 void giveReference(const Object &object, FSRef *reference, FSSpec *spec)

@@ -13,15 +13,23 @@ namespace standin
 // Finds a folder that something is to be put into, checks that its volume may be changed, and takes its lock.
 OSErr openForAdding(const FSRef *folderReference, Object &folder, FolderHandle &opened, ChangeLock &lock);
 
-// Finds an object and takes the lock of the folder that it lies in, or of that and another one; the object is the one found with the lock held.
-// `anchoring` says how the second look is made.
+// The folder in which an object most likely lies still, so that its lock can be taken before the object is looked for: fills all but name and status.
+// Results as of findObject.
+OSErr guessPlace(const FSRef *reference, Object &object);
+
+// Finds an object and takes the lock of the folder that it lies in, or of that and another one of `volume`; the object is the one found with the
+// lock held. `anchoring` says how it is looked for. Result: those of findObject and ChangeLock; diffVolErr if the object lies on another volume.
 OSErr findAndLock(const FSRef *reference, Object &object, ChangeLock &lock, Anchoring anchoring = Anchoring::recent);
-OSErr findAndLockBoth(const FSRef *reference, UInt32 otherID, const FolderHandle &other, Object &object, ChangeLock &lock);
+OSErr findAndLockBoth(const FSRef *reference, const Volume &volume, UInt32 otherID, const FolderHandle &other, Object &object,
+                      ChangeLock &lock);
 
 // Checks that an object may be moved, renamed or removed at all. Result: noErr; fBsyErr for a root or a mount point; the code of a lock.
 OSErr checkMayLeave(const Object &object);
 
-// Checks that no form of a Unicode name is taken in a folder; `self`, if it is given, may have one. Result: noErr; dupFNErr; the disk's code.
+// Checks that none of these disk names is taken in a folder; `self`, if it is given, may have one. Result: noErr; dupFNErr; the disk's code.
+OSErr checkNamesAreFree(int folder, const std::vector<std::string> &names, const std::string *self);
+
+// The same for every form of a Unicode name.
 OSErr checkNameIsFree(int folder, const UniChar *units, std::size_t count, const std::string *self);
 
 // Fills a caller's optional outputs for an object that was just made or moved.

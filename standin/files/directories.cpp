@@ -1,6 +1,8 @@
 #include "standin/files/directories.h"
 
+#include "standin/files/change_lock.h"
 #include "standin/files/listings.h"
+#include "standin/files/open_levels.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -13,7 +15,7 @@ namespace standin
 namespace
 {
 
-constexpr std::size_t mostOpenFolders = 40;
+constexpr std::size_t mostOpenFolders = 20;   // beside those of open iterators, which are as many at most
 constexpr std::int64_t longestIdleMilliseconds = 1000;
 constexpr std::size_t longestPiece = 3800;       // of a path handed to the kernel at once
 constexpr std::size_t deepestFolder = 1000000;   // beyond it the remembered parents must be going in a circle
@@ -46,12 +48,16 @@ FolderHandle recentlyUsed(const Volume &volume, UInt32 id)
     if (id == fsRtDirID)
         return volume.root;
     const std::int64_t now = linux_calls::milliseconds();
-    const std::lock_guard lock(table().mutex);
-    const auto found = table().folders.find(keyOf(volume, id));
-    if (found == table().folders.end() || now - found->second.lastUse > longestIdleMilliseconds)
-        return nullptr;
-    found->second.lastUse = now;
-    return found->second.handle;
+    {
+        const std::lock_guard lock(table().mutex);
+        const auto found = table().folders.find(keyOf(volume, id));
+        if (found != table().folders.end() && now - found->second.lastUse <= longestIdleMilliseconds)
+        {
+            found->second.lastUse = now;
+            return found->second.handle;
+        }
+    }
+    return folderOfLevel(volume.number, id);   // somebody may be walking through it
 }
 
 FolderHandle everUsed(const Volume &volume, UInt32 id)
@@ -181,12 +187,12 @@ OSErr openFolder(const Volume &volume, UInt32 id, FolderHandle &handle, Anchorin
 
 OSErr anchorFolder(const Volume &volume, int folder, UInt32 &id)
 {
-    struct Level
+    struct Step
     {
         std::string name;
         Identity identity;
     };
-    std::vector<Level> levels;
+    std::vector<Step> levels;
     Descriptor current = Descriptor(linux_calls::openAt(folder, ".", O_PATH | O_DIRECTORY));
     ObjectStatus status;
     while (current.isOpen() && linux_calls::statusOf(current.number(), status) == 0 && levels.size() < deepestFolder)
@@ -213,14 +219,27 @@ OSErr anchorFolder(const Volume &volume, int folder, UInt32 &id)
     return dirNFErr;
 }
 
+void forgetDirectory(const Volume &volume, const Identity &identity)
+{
+    Folder folder;
+    FolderHandle closed;
+    if (!recallFolder(volume, identity, folder))
+        return;
+    const std::lock_guard lock(table().mutex);
+    if (auto node = table().folders.extract(keyOf(volume, folder.id)))
+        closed = std::move(node.mapped().handle);
+}
+
 void forgetDirectoriesOf(FSVolumeRefNum volume)
 {
+    forgetLockDescriptors();
     const std::lock_guard lock(table().mutex);
     std::erase_if(table().folders, [&](const auto &entry) { return entry.first >> 32 == static_cast<UInt16>(volume); });
 }
 
 void forgetAllDirectories()
 {
+    forgetLockDescriptors();
     const std::lock_guard lock(table().mutex);
     table().folders.clear();
 }

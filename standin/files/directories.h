@@ -24,6 +24,9 @@ OSErr openFolder(const Volume &volume, UInt32 id, FolderHandle &handle, Anchorin
 // Finds out where an open folder lies now, remembers the way, and gives its ID. dirNFErr if it does not lie on the volume.
 OSErr anchorFolder(const Volume &volume, int folder, UInt32 &id);
 
+// A folder was deleted: where the disk has no births, the next one with its inode number must not be taken for it.
+void forgetDirectory(const Volume &volume, const Identity &identity);
+
 void forgetDirectoriesOf(FSVolumeRefNum volume);
 void forgetAllDirectories();
 

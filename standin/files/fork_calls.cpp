@@ -40,12 +40,15 @@ OSErr checkArguments(ByteCount count, const void *buffer, bool isAllowed)
     return isAllowed ? noErr : permErr;
 }
 
-OSErr moveMark(OpenFork &fork, std::int64_t position)
+// The start is inside every fork, and so is what lies before the end that was just asked for: only elsewhere the size has to be asked.
+OSErr moveMark(OpenFork &fork, UInt16 mode, std::int64_t offset, std::int64_t position)
 {
-    std::uint64_t size;
-    if (OSErr result = getForkSize(fork, size))
-        return result;
-    if (static_cast<std::uint64_t>(position) > size)
+    std::uint64_t size = 0;
+    const bool isInside = position == 0 || ((mode & whereFrom) == fsFromLEOF && offset <= 0);
+    if (!isInside)
+        if (OSErr result = getForkSize(fork, size))
+            return result;
+    if (!isInside && static_cast<std::uint64_t>(position) > size)
         return eofErr;
     fork.mark = position;
     return noErr;
@@ -94,7 +97,7 @@ OSErr FSSetForkPosition(SInt16 number, UInt16 mode, SInt64 offset)
     const std::lock_guard lock(fork->mutex);
     if (OSErr result = positionOf(*fork, mode, offset, position))
         return result;
-    return moveMark(*fork, position);
+    return moveMark(*fork, mode, offset, position);
 }
 
 OSErr FSReadFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, void *buffer, ByteCount *actual)
@@ -109,10 +112,11 @@ OSErr FSReadFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, voi
         return result;
     if (OSErr result = positionOf(*fork, mode, offset, position))
         return result;
-    const OSErr result = readFork(*fork, static_cast<std::uint64_t>(position), {static_cast<std::uint8_t *>(buffer), count}, got);
+    const Caching caching = mode & noCacheMask ? Caching::passingBy : Caching::usual;
+    const OSErr result = readFork(*fork, static_cast<std::uint64_t>(position), {static_cast<std::uint8_t *>(buffer), count}, caching, got);
     if (actual)
         *actual = static_cast<ByteCount>(got);
-    if (result == noErr || result == eofErr)
+    if (result == noErr || (result == eofErr && got > 0))   // who meets nothing but the end stays where he was
         fork->mark = position + static_cast<std::int64_t>(got);
     return result;
 }

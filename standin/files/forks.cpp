@@ -4,6 +4,7 @@
 #include "standin/files/metadata.h"
 
 #include <algorithm>
+#include <atomic>
 #include <fcntl.h>
 #include <iterator>
 #include <map>
@@ -17,18 +18,26 @@ namespace
 
 constexpr char16_t resourceForkName[] = u"RESOURCE_FORK";
 constexpr std::size_t resourceForkNameLength = std::size(resourceForkName) - 1;
-constexpr SInt16 firstReferenceNumber = 2, lastReferenceNumber = 0x7FFF;
+constexpr SInt16 firstReferenceNumber = 2, lastReferenceNumber = 0x7FFE;
+constexpr std::size_t mostOpenForks = lastReferenceNumber - firstReferenceNumber + 1;
 
 struct ForkTable
 {
     std::mutex mutex;
     std::map<SInt16, std::shared_ptr<OpenFork>> forks;   // by reference number
+    SInt16 next = firstReferenceNumber;                  // a number that was closed comes again as late as possible
+    std::atomic<std::size_t> count{0};                   // of the forks: a walk asks this alone as long as none is open
 };
 
 ForkTable &table()
 {
     static ForkTable forks;
     return forks;
+}
+
+SInt16 numberAfter(SInt16 number)
+{
+    return number == lastReferenceNumber ? firstReferenceNumber : static_cast<SInt16>(number + 1);
 }
 
 bool isFork(const OpenFork &fork, const Identity &identity, bool isResourceFork)
@@ -42,12 +51,6 @@ OSErr forkFromName(UniCharCount length, const UniChar *name, bool &isResourceFor
         return errFSBadForkName;
     isResourceFork = length == resourceForkNameLength && std::equal(name, name + length, resourceForkName);
     return length == 0 || isResourceFork ? static_cast<OSErr>(noErr) : static_cast<OSErr>(errFSBadForkName);
-}
-
-void fillName(HFSUniStr255 &name, bool isResourceFork)
-{
-    name.length = isResourceFork ? resourceForkNameLength : 0;
-    std::copy_n(resourceForkName, name.length, name.unicode);
 }
 
 OSErr checkMayWrite(const Object &object)
@@ -93,14 +96,23 @@ OSErr addFork(const std::shared_ptr<OpenFork> &fork, SInt8 permissions, SInt16 &
     const std::lock_guard lock(all.mutex);
     if (OSErr result = shareFork(all, permissions, *fork))
         return result;
-    for (SInt16 candidate = firstReferenceNumber; candidate < lastReferenceNumber; ++candidate)
-        if (!all.forks.contains(candidate))
-        {
-            all.forks.emplace(candidate, fork);
-            number = candidate;
-            return noErr;
-        }
-    return tmfoErr;
+    if (all.forks.size() >= mostOpenForks)
+        return tmfoErr;
+    while (all.forks.contains(all.next))
+        all.next = numberAfter(all.next);
+    number = all.next;
+    all.forks.emplace(number, fork);
+    all.count = all.forks.size();
+    all.next = numberAfter(number);
+    return noErr;
+}
+
+std::shared_ptr<OpenFork> removeFork(SInt16 number)
+{
+    const std::lock_guard lock(table().mutex);
+    auto node = table().forks.extract(number);
+    table().count = table().forks.size();
+    return node ? node.mapped() : nullptr;
 }
 
 OSErr forkAtIndex(const ForkTable &all, FSVolumeRefNum volume, SInt16 index, SInt16 &number)
@@ -128,13 +140,28 @@ std::shared_ptr<OpenFork> findFork(SInt16 number)
 
 UInt16 openForkFlags(const Object &object)
 {
-    const Identity identity = object.identity();
+    return isAnyForkOpen() ? openForkFlags(object.identity()) : UInt16{0};
+}
+
+bool isAnyForkOpen()
+{
+    return table().count != 0;
+}
+
+UInt16 openForkFlags(const Identity &identity)
+{
     const std::lock_guard lock(table().mutex);
     UInt16 flags = 0;
     for (const auto &[number, fork] : table().forks)
         if (sameObject(fork->identity, identity))
             flags |= static_cast<UInt16>((fork->isResourceFork ? kFSNodeResOpenMask : kFSNodeDataOpenMask) | kFSNodeForkOpenMask);
     return flags;
+}
+
+void fillForkName(HFSUniStr255 &name, bool isResourceFork)
+{
+    name.length = isResourceFork ? resourceForkNameLength : 0;
+    std::copy_n(resourceForkName, name.length, name.unicode);
 }
 
 bool hasOpenForksOn(FSVolumeRefNum volume)
@@ -149,7 +176,7 @@ OSErr FSGetDataForkName(HFSUniStr255 *name)
 {
     if (!name)
         return paramErr;
-    fillName(*name, false);
+    fillForkName(*name, false);
     return noErr;
 }
 
@@ -157,7 +184,7 @@ OSErr FSGetResourceForkName(HFSUniStr255 *name)
 {
     if (!name)
         return paramErr;
-    fillName(*name, true);
+    fillForkName(*name, true);
     return noErr;
 }
 
@@ -182,10 +209,15 @@ OSErr FSOpenFork(const FSRef *ref, UniCharCount nameLength, const UniChar *name,
     return addFork(fork, permissions, *number);
 }
 
+// The number is free from then on, whatever the result: one that is not noErr says that something which was written could not be made sure
+// of.
 OSErr FSCloseFork(SInt16 number)
 {
-    const std::lock_guard lock(table().mutex);
-    return table().forks.erase(number) ? noErr : rfNumErr;
+    const auto fork = removeFork(number);
+    if (!fork)
+        return rfNumErr;
+    const std::lock_guard lock(fork->mutex);
+    return finishFork(*fork);
 }
 
 OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actual, FSForkInfo *info, FSRef *ref,
@@ -210,6 +242,6 @@ OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SI
     if (ref)
         *ref = found->second->object;
     if (name)
-        fillName(*name, found->second->isResourceFork);
+        fillForkName(*name, found->second->isResourceFork);
     return noErr;
 }

@@ -1,50 +1,137 @@
-// Open iterators: a folder is read when it is opened, and handed out piece by piece.
+// Iterators: a folder is read when it is opened, and handed out piece by piece.
+//
+// What a walk costs is decided here. A folder that is met in a walk is opened through the level above: one call, another to make sure that it is the very
+// one, one or two to read it, one to close it. An entry costs none where the listing says all that is asked for.
 #include "platform/platform.h"
 #include "standin/files/catalog.h"
+#include "standin/files/change_lock.h"
 #include "standin/files/errors.h"
+#include "standin/files/exchanged_objects.h"
+#include "standin/files/forks.h"
 #include "standin/files/names.h"
+#include "standin/files/open_levels.h"
 
 #include <algorithm>
-#include <map>
-#include <memory>
-#include <mutex>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <optional>
 
 using namespace standin;
 
 namespace
 {
 
-struct Iterator
+// --- opening ----------------------------------------------------------------------------------------------------------------------------
+
+// A folder on the way to becoming a level.
+struct Opening
 {
-    Object folder;
-    UInt32 folderID = 0;
-    FolderHandle opened;
-    Listing listing;
-    std::timespec moment{};   // before the folder was read: what is born later was not seen
-    std::size_t next = 0;
-    std::mutex mutex;
+    std::unique_ptr<Level> level = std::make_unique<Level>();
+    FolderHandle folder;   // readable
 };
 
-// Iterators are numbers dressed as pointers, so that a wild one is told from an open one.
-struct IteratorTable
+void takeFolder(Level &level, const VolumeHandle &volume, UInt32 id, const ObjectStatus &status)
 {
-    std::mutex mutex;
-    std::map<std::uintptr_t, std::shared_ptr<Iterator>> iterators;
-    std::uintptr_t nextNumber = 1;
-};
-
-IteratorTable &table()
-{
-    static IteratorTable iterators;
-    return iterators;
+    level.volume = volume;
+    level.identity = identityOf(*volume, status);
+    level.listed.volume = volume->number;
+    level.listed.device = numberOfDevice(status.device);
+    level.listed.id = id;
+    level.modification = status.modification;
 }
 
-std::shared_ptr<Iterator> findIterator(FSIterator iterator)
+// Through the descriptor of the level above. False if that is not the way to it, for whatever reason.
+bool openThroughAbove(const ReferenceFields &fields, Opening &opening)
 {
-    const std::lock_guard lock(table().mutex);
-    const auto found = table().iterators.find(reinterpret_cast<std::uintptr_t>(iterator));
-    return found == table().iterators.end() ? nullptr : found->second;
+    FolderHandle folderAbove;
+    VolumeHandle volume;
+    std::string name;
+    {
+        const LockedLevel above = findLevelReading(fields.volume, fields.parentID, opening.level->deletes);
+        ListedEntry entry;
+        if (!above || !wasHandedOut(*above, fields, entry) || openFolderOf(*above, folderAbove) != noErr)
+            return false;
+        name = entry.name;
+        volume = above->volume;
+        opening.level->volume = volume;
+        opening.level->above = above->number;
+    }
+    ObjectStatus status;
+    auto folder = std::make_shared<const Descriptor>(linux_calls::openListedFolder(folderAbove->number(), name.c_str()));
+    if (!folder->isOpen() || linux_calls::statusOf(folder->number(), status) < 0 || status.mount != volume->rootStatus.mount)
+        return false;
+    const Identity identity = identityOf(*volume, status);
+    if (!isMeant(fields, identity))
+        return false;
+    takeFolder(*opening.level, volume, rememberFolder(*volume, fields.parentID, name, identity), status);
+    opening.folder = std::move(folder);
+    return true;
 }
+
+// The general way. What is to be deleted is looked for from the volume's root.
+OSErr openByReference(const FSRef *container, Opening &opening)
+{
+    Object object;
+    FolderHandle way;
+    Level &level = *opening.level;
+    if (OSErr result = findObject(container, object))
+        return result;
+    if (!object.isFolder())
+        return errFSNotAFolder;
+    takeFolder(level, object.volume, object.nodeID(), object.status);
+    level.standsEmpty = object.isMountPoint();
+    if (level.standsEmpty)
+        return noErr;
+    if (OSErr result = openFolder(*level.volume, level.listed.id, way, level.deletes ? Anchoring::anew : Anchoring::recent))
+        return result;
+    opening.folder = std::make_shared<const Descriptor>(linux_calls::openAt(way->number(), ".", O_RDONLY | O_DIRECTORY));
+    return opening.folder->isOpen() ? static_cast<OSErr>(noErr) : resultFromErrno(-opening.folder->number());
+}
+
+OSErr readFolder(Opening &opening)
+{
+    Level &level = *opening.level;
+    level.listed.moment = level.volume->comparesBirths ? packBirth(linux_calls::now()) : 0;
+    level.changes = countOfChanges(level.listed.volume, level.listed.id);
+    level.askedForChangeAt = linux_calls::coarseMilliseconds();
+    if (!opening.folder)
+        return noErr;
+    if (const int failure = level.listing.read(opening.folder->number()))
+        return resultFromErrno(-failure);
+    level.remaining = level.listing.size();
+    level.next = level.listing.begin();
+    return noErr;
+}
+
+bool isGone(OSErr result)
+{
+    return result == fnfErr || result == dirNFErr || result == errFSNotAFolder;
+}
+
+// A folder that is met in a walk and may not be read is opened all the same, and the first step on it fails: so the walk loses this folder alone and not
+// everything that comes after it in the folder above. One that is gone by now has nothing in it.
+OSErr openFolderToIterate(const FSRef *container, Opening &opening)
+{
+    ReferenceFields fields;
+    Level &level = *opening.level;
+    if (!container)
+        return paramErr;
+    if (!readReference(*container, fields))
+        return errFSBadFSRef;
+    if (fields.parentID != fsRtParID && openThroughAbove(fields, opening))
+        return noErr;
+    const OSErr result = openByReference(container, opening);
+    const bool isMetInAWalk = level.above != 0;
+    if (!isMetInAWalk || (result != afpAccessDenied && (level.deletes || !isGone(result))))
+        return result;
+    opening.folder.reset();
+    level.standsEmpty = result != afpAccessDenied;
+    level.failure = level.standsEmpty ? static_cast<OSErr>(noErr) : result;
+    return noErr;
+}
+
+// --- handing out ------------------------------------------------------------------------------------------------------------------------
 
 // What is asked for of each object; any pointer may be null.
 struct Outputs
@@ -56,107 +143,168 @@ struct Outputs
     HFSUniStr255 *names;
 };
 
-// A reference and a name come from the listing alone; anything else asks the object itself.
-bool fillFromListing(const Iterator &iterator, std::size_t listed, std::size_t index, const Outputs &outputs)
+// What an entry of the folder says by itself, where entries can be trusted. That something has no sidecar says that it is not locked.
+constexpr FSCatalogInfoBitmap knownFromEntry = kFSCatInfoNodeFlags | kFSCatInfoVolume | kFSCatInfoParentDirID;
+
+bool isAsciiShortName(std::string_view name, Str63 shortName)
 {
-    const Entry entry = iterator.listing.entry(listed);
-    if (outputs.refs)
-        outputs.refs[index] = makeListedReference(iterator.folder, iterator.folderID, entry, iterator.moment);
-    if (outputs.names)
-        unicodeFromDiskName(entry.name, outputs.names[index]);
-    return true;
+    const bool isAscii = std::all_of(name.begin(), name.end(), [](char byte) { return byte >= ' ' && byte <= '~'; });
+    return isAscii && plainShortName(name, shortName);
 }
 
-// False if the object is gone meanwhile: it is passed over.
-bool fillFromObject(const Iterator &iterator, std::size_t listed, std::size_t index, const Outputs &outputs, OSErr &result)
+// A name in plain ASCII leads back to its object before any other; another one may need a look at the folder.
+bool specIsKnown(const ListedEntry &entry, FSSpec *spec)
 {
-    Object object;
-    const Entry entry = iterator.listing.entry(listed);
-    result = findNamed(iterator.folder.volume, iterator.folderID, std::string(entry.name), object);
-    object.sidecarIsAbsent = !iterator.listing.hasSidecar(listed);
-    if (result == noErr && outputs.which)
-        result = fillCatalogInfo(object, outputs.which, outputs.infos[index]);
-    if (result != noErr)
+    return !spec || isAsciiShortName(entry.name, spec->name);
+}
+
+bool entrySuffices(const Level &level, const ListedEntry &entry, std::size_t index, const Outputs &outputs)
+{
+    const bool isTrusted = level.volume->trustsListings && entry.type != DT_UNKNOWN;
+    const bool asksObject = (outputs.which & ~knownFromEntry) || ((outputs.which & kFSCatInfoNodeFlags) && entry.hasSidecar);
+    const bool wantsNothing = !outputs.which && !outputs.specs && !outputs.refs;   // but the name
+    return wantsNothing || (isTrusted && !asksObject && specIsKnown(entry, outputs.specs ? outputs.specs + index : nullptr));
+}
+
+void fillInfoFromEntry(const Level &level, const ListedEntry &entry, FSCatalogInfoBitmap which, FSCatalogInfo &info)
+{
+    if (which & kFSCatInfoNodeFlags)
     {
-        const bool isGone = result == fnfErr;
-        result = isGone ? static_cast<OSErr>(noErr) : result;
-        return false;
+        const UInt16 open = isAnyForkOpen() ? openForkFlags({level.identity.device, entry.inode, 0}) : UInt16{0};
+        info.nodeFlags = entry.type == DT_DIR ? static_cast<UInt16>(kFSNodeIsDirectoryMask | open) : open;
     }
+    if (which & kFSCatInfoVolume)
+        info.volume = level.listed.volume;
+    if (which & kFSCatInfoParentDirID)
+        info.parentDirID = level.listed.id;
+}
+
+void fillFromEntry(const Level &level, const ListedEntry &entry, std::size_t index, const Outputs &outputs)
+{
+    if (outputs.which)
+        fillInfoFromEntry(level, entry, outputs.which, outputs.infos[index]);
+    if (outputs.refs)
+        writeListedReference(level.listed, entry.inode, exchangesOf({level.identity.device, entry.inode, 0}), entry.name,
+                             outputs.refs[index]);
+    if (outputs.names)
+        unicodeFromDiskName(entry.name, outputs.names[index]);
+    if (outputs.specs)
+    {
+        outputs.specs[index].vRefNum = level.listed.volume;
+        outputs.specs[index].parID = static_cast<SInt32>(level.listed.id);   // its name is there already
+    }
+}
+
+OSErr placeInFolder(Level &level, Object &object)
+{
+    object.volume = level.volume;
+    object.parentID = level.listed.id;
+    return openFolderOf(level, object.folder);
+}
+
+// An object in the folder of a level, used for one entry after another.
+OSErr fillFromObject(Level &level, const ListedEntry &entry, std::optional<Object> &placed, std::size_t index, const Outputs &outputs)
+{
+    if (OSErr result = placed ? static_cast<OSErr>(noErr) : placeInFolder(level, placed.emplace()))
+        return result;
+    Object &object = *placed;
+    object.name = entry.name;
+    object.sidecarIsAbsent = !entry.hasSidecar;
+    if (const int failure = linux_calls::statusAt(object.folder->number(), object.name.c_str(), object.status))
+        return resultFromErrno(-failure);
+    if (outputs.which)
+        if (OSErr result = fillCatalogInfo(object, outputs.which, outputs.infos[index]))
+            return result;
     if (outputs.refs)
         outputs.refs[index] = makeReference(object);
     if (outputs.names)
         fillName(object, outputs.names[index]);
     if (outputs.specs)
         fillSpec(object, outputs.specs[index]);
-    return true;
+    return noErr;
 }
 
-OSErr fillNext(Iterator &iterator, ItemCount most, const Outputs &outputs, ItemCount &count)
+// An object that is gone meanwhile is passed over.
+OSErr fillNext(Level &level, ItemCount most, const Outputs &outputs, ItemCount &count)
 {
-    const bool asksObject = outputs.which || outputs.specs || (outputs.refs && !iterator.folder.volume->trustsListings);
-    OSErr result = noErr;
-    while (count < most && iterator.next < iterator.listing.size() && result == noErr)
+    std::optional<Object> placed;   // costs more than an entry, and most entries need none
+    ListedEntry entry;
+    level.batch = level.next;
+    level.batchCount = 0;
+    while (count < most && level.remaining != 0 && level.listing.next(level.next, entry))
     {
-        const std::size_t listed = iterator.next++;
-        if (asksObject ? fillFromObject(iterator, listed, count, outputs, result) : fillFromListing(iterator, listed, count, outputs))
-            ++count;
+        --level.remaining;
+        ++level.batchCount;
+        if (entrySuffices(level, entry, count, outputs))
+        {
+            fillFromEntry(level, entry, count++, outputs);
+            continue;
+        }
+        const OSErr result = fillFromObject(level, entry, placed, count, outputs);
+        if (result != noErr && result != fnfErr)
+            return result;
+        count += result == noErr;
     }
-    if (result != noErr)
-        return result;
     return count < most ? errFSNoMoreItems : noErr;
 }
 
-bool hasChanged(const Iterator &iterator)
+// --- has the folder changed? ------------------------------------------------------------------------------------------------------------
+
+bool differsFromBefore(Level &level)
 {
+    FolderHandle folder;
     ObjectStatus status;
-    if (iterator.folder.isMountPoint())
-        return false;
-    if (linux_calls::statusOf(iterator.opened->number(), status) < 0)
+    if (openFolderOf(level, folder) != noErr || linux_calls::statusOf(folder->number(), status) < 0)
         return true;
-    const std::timespec &now = status.modification, &then = iterator.folder.status.modification;
+    const std::timespec &now = status.modification, &then = level.modification;
     return now.tv_sec != then.tv_sec || now.tv_nsec != then.tv_nsec;
+}
+
+// The disk is asked with the last object, and before that with every fourth if its clock has ticked since: a change is told a little later, and no later
+// than with the last object.
+bool hasChanged(Level &level)
+{
+    const bool isAtEnd = level.remaining == 0;
+    if (!isAtEnd && level.remaining % 4 != 0)
+        return level.hasChanged;
+    const std::int64_t now = linux_calls::coarseMilliseconds();
+    if (level.hasChanged || level.standsEmpty || level.failure != noErr ||
+        (now == level.askedForChangeAt && !(isAtEnd && !level.askedAtEnd)))
+        return level.hasChanged;
+    level.askedForChangeAt = now;
+    level.askedAtEnd = isAtEnd;
+    return level.hasChanged = differsFromBefore(level);
 }
 
 }   // namespace
 
 OSErr FSOpenIterator(const FSRef *container, FSIteratorFlags flags, FSIterator *iterator)
 {
-    const auto made = std::make_shared<Iterator>();
+    Opening opening;
     if (!iterator)
         return paramErr;
     if (flags != kFSIterateFlat && flags != kFSIterateDelete)
         return errFSBadIteratorFlags;
-    if (OSErr result = findObject(container, made->folder))
+    opening.level->deletes = flags == kFSIterateDelete;
+    if (OSErr result = openFolderToIterate(container, opening))
         return result;
-    if (!made->folder.isFolder())
-        return errFSNotAFolder;
-    made->folderID = made->folder.nodeID();
-    if (!made->folder.isMountPoint())   // which is an empty folder
-    {
-        if (OSErr result = openFolder(*made->folder.volume, made->folderID, made->opened))
-            return result;
-        made->moment = linux_calls::now();
-        if (const int failure = made->listing.read(made->opened->number()))
-            return resultFromErrno(-failure);
-    }
-    const std::lock_guard lock(table().mutex);
-    *iterator = reinterpret_cast<FSIterator>(table().nextNumber);
-    table().iterators.emplace(table().nextNumber++, made);
+    if (OSErr result = readFolder(opening))
+        return result;
+    *iterator = openLevel(std::move(opening.level), std::move(opening.folder));
     return noErr;
 }
 
 OSErr FSCloseIterator(FSIterator iterator)
 {
-    const std::lock_guard lock(table().mutex);
-    return table().iterators.erase(reinterpret_cast<std::uintptr_t>(iterator)) ? noErr : errFSIteratorNotFound;
+    return closeLevel(iterator) ? noErr : errFSIteratorNotFound;
 }
 
 OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCount *actualObjects, Boolean *containerChanged,
                            FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfos, FSRef *refs, FSSpec *specs, HFSUniStr255 *names)
 {
-    const auto open = findIterator(iterator);
+    const LockedLevel level = findLevel(iterator);
     ItemCount count = 0;
-    if (!open)
+    if (!level)
         return errFSIteratorNotFound;
     if (!actualObjects || maximumObjects == 0)
         return errFSBadItemCount;
@@ -164,10 +312,12 @@ OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCo
         return errFSBadInfoBitmap;
     if (whichInfo && !catalogInfos)
         return errFSMissingCatInfo;
-    const std::lock_guard lock(open->mutex);
-    const OSErr result = fillNext(*open, maximumObjects, {whichInfo, catalogInfos, refs, specs, names}, count);
+    const OSErr result =
+        level->failure != noErr ? level->failure : fillNext(*level, maximumObjects, {whichInfo, catalogInfos, refs, specs, names}, count);
+    if (level->deletes)
+        level->handedOutAt = linux_calls::coarseMilliseconds();
     *actualObjects = count;
     if (containerChanged)
-        *containerChanged = hasChanged(*open);
+        *containerChanged = hasChanged(*level);
     return result;
 }

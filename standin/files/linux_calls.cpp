@@ -121,6 +121,13 @@ std::int64_t milliseconds()
     return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
 }
 
+std::int64_t coarseMilliseconds()
+{
+    std::timespec time;
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
+    return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+}
+
 void sleepMilliseconds(int milliseconds)
 {
     const std::timespec time{milliseconds / 1000, (milliseconds % 1000) * 1000000L};
@@ -160,6 +167,16 @@ int openFolderBeneath(int folder, const char *relativePath)
     how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV;
     return static_cast<int>(repeated([&] { return ::syscall(SYS_openat2, folder, relativePath, &how, sizeof how); }));
+}
+
+int openListedFolder(int folder, const char *name)
+{
+    struct open_how how
+    {
+    };
+    how.flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV;
+    return static_cast<int>(repeated([&] { return ::syscall(SYS_openat2, folder, name, &how, sizeof how); }));
 }
 
 int openTemporary(int folder, mode_t mode)
@@ -258,6 +275,11 @@ int renameWithoutReplacing(int fromFolder, const char *fromName, int toFolder, c
     return found == -ENOENT ? renameAt(fromFolder, fromName, toFolder, toName) : found;
 }
 
+int exchangeNames(int firstFolder, const char *firstName, int secondFolder, const char *secondName)
+{
+    return repeated([&] { return ::renameat2(firstFolder, firstName, secondFolder, secondName, RENAME_EXCHANGE); });
+}
+
 int unlinkAt(int folder, const char *name)
 {
     return repeated([&] { return ::unlinkat(folder, name, 0); });
@@ -326,6 +348,11 @@ int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset
 int tryLock(int descriptor)
 {
     return repeated([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); });
+}
+
+int unlock(int descriptor)
+{
+    return repeated([&] { return ::flock(descriptor, LOCK_UN); });
 }
 
 int diskStatistics(int descriptor, struct statvfs &statistics)

@@ -61,6 +61,7 @@ void setCallFilter(CallFilter filter);
 
 std::timespec now();           // the exact clock, never the coarse one
 std::int64_t milliseconds();   // a clock that only goes forward
+std::int64_t coarseMilliseconds();   // the same, cheaper, and some milliseconds behind
 void sleepMilliseconds(int milliseconds);
 
 // Whether a look that failed says that nothing has the name, which a disk may not even allow. After any other failure nobody knows.
@@ -72,6 +73,7 @@ int statusOf(int descriptor, ObjectStatus &status);
 int openAt(int folder, const char *name, int flags, mode_t mode = 0);
 int openAbsoluteFolder(const char *path);                      // follows links: only for what the host itself names
 int openFolderBeneath(int folder, const char *relativePath);   // no links, no mounts, not above; -ENOSYS on old kernels
+int openListedFolder(int folder, const char *name);            // for reading; likewise
 int openTemporary(int folder, mode_t mode);                    // a file without a name
 int giveName(int descriptor, int folder, const char *name);    // … gets its name; refuses to replace
 int openByInode(int anyDescriptorOnDisk,
@@ -94,6 +96,7 @@ int setOwner(int descriptor, std::uint32_t user, std::uint32_t group);
 int linkAt(int fromFolder, const char *fromName, int toFolder, const char *toName);
 int renameAt(int fromFolder, const char *fromName, int toFolder, const char *toName);   // may replace
 int renameWithoutReplacing(int fromFolder, const char *fromName, int toFolder, const char *toName);
+int exchangeNames(int firstFolder, const char *firstName, int secondFolder, const char *secondName);   // both must be there
 int unlinkAt(int folder, const char *name);
 int removeFolderAt(int folder, const char *name);
 int makeFolderAt(int folder, const char *name, mode_t mode);
@@ -101,9 +104,20 @@ int makeFolderAt(int folder, const char *name, mode_t mode);
 ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);      // until full or the end of the file
 int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t offset);   // all or a failure
 int setSize(int descriptor, std::uint64_t size);
+
+// Makes a file longer, with zeros, and has the disk set room aside for them, where it can do that. A failure leaves the file as long as it was.
+int growAllocated(int descriptor, std::uint64_t from, std::uint64_t to);
+
+// Like readAt, but the page cache keeps no more than it had before. -EOPNOTSUPP or -EINVAL where kernel or disk cannot do that.
+ssize_t readPassingBy(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offset);
+
+// Says that what is read through a descriptor is read once: it then never displaces what others use again and again.
+int expectNoReuse(int descriptor);
+
 int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length);   // in the kernel where it can
 
 int tryLock(int descriptor);   // -EWOULDBLOCK while another description of the same object holds it
+int unlock(int descriptor);
 int diskStatistics(int descriptor, struct statvfs &statistics);
 std::int64_t diskKind(int descriptor);   // the kernel's magic number for the file system
 bool mayAccess(int folder, const char *name, int mode);

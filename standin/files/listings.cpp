@@ -4,10 +4,12 @@
 #include "standin/files/names.h"
 #include "standin/files/sidecar_store.h"
 
+#include <bit>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <unordered_set>
+#include <new>
+#include <utility>
 
 namespace standin
 {
@@ -30,20 +32,38 @@ bool isDots(std::string_view name)
     return name == "." || name == "..";
 }
 
+// The record at an offset of a filled buffer; the offset moves on to the next one.
+Entry takeRecord(std::span<const char> filled, std::size_t &offset, std::int64_t &positionBehind)
+{
+    const char *record = filled.data() + offset;
+    EntryHeader header;
+    std::memcpy(&header, record, nameOffset);
+    offset += header.length;
+    positionBehind = header.position;
+    return {header.inode, header.type, std::string_view(record + nameOffset)};
+}
+
 // Gives the entries of one filled buffer; false once `visit` said so.
 bool visitBuffer(std::span<const char> filled, const std::function<bool(const Entry &)> &visit)
 {
+    std::int64_t positionBehind;
     for (std::size_t offset = 0; offset + nameOffset < filled.size();)
     {
-        const char *record = filled.data() + offset;
-        EntryHeader header;
-        std::memcpy(&header, record, nameOffset);
-        const std::string_view name(record + nameOffset);
-        if (!isDots(name) && !visit({header.inode, header.type, name}))
+        const Entry entry = takeRecord(filled, offset, positionBehind);
+        if (!isDots(entry.name) && !visit(entry))
             return false;
-        offset += header.length;
     }
     return true;
+}
+
+constexpr std::size_t bufferSize = 32768;
+constexpr std::size_t longestRecord = nameOffset + longestDiskName + 8;
+
+// Disks for which the end has a position say with the last entry that nothing follows: it is the greatest there is, of 64 bits or of 32, and the kernel
+// stopped there although another entry would have fitted. All others are asked once more, and then say 0.
+bool isAtEnd(std::size_t filled, std::int64_t positionBehindLast)
+{
+    return filled + longestRecord <= bufferSize && (positionBehindLast == INT64_MAX || positionBehindLast == INT32_MAX);
 }
 
 }   // namespace
@@ -54,7 +74,7 @@ int visitEntries(int folder, const std::function<bool(const Entry &)> &visit)
     if (opened < 0)
         return opened;
     const Descriptor readable(opened);
-    alignas(8) char buffer[32768];
+    alignas(8) char buffer[bufferSize];
     for (;;)
     {
         const ssize_t filled = linux_calls::readDirectory(readable.number(), buffer);
@@ -65,59 +85,228 @@ int visitEntries(int folder, const std::function<bool(const Entry &)> &visit)
     }
 }
 
-std::string_view Listing::nameOf(const Item &item) const
+// --- a listing's own form ---------------------------------------------------------------------------------------------------------------
+
+// What one read of the disk gave: packed entries stand behind it.
+struct ListingPiece
 {
-    return std::string_view(names_).substr(item.nameOffset, item.nameLength);
+    ListingPiece *next;
+    std::uint32_t size;
+
+    char *bytes() { return reinterpret_cast<char *>(this + 1); }
+    const char *bytes() const { return reinterpret_cast<const char *>(this + 1); }
+};
+
+namespace
+{
+
+// A packed entry: inode (8 bytes), type, marks, length of the name, the name.
+constexpr std::size_t packedType = 8, packedMarks = 9, packedLength = 10, packedName = 11;
+constexpr char hasSidecarMark = 1, isOwnedMark = 2, isHiddenMark = 4;   // owned: the sidecar of another entry
+
+std::string_view packedNameOf(const char *packed)
+{
+    return {packed + packedName, static_cast<unsigned char>(packed[packedLength])};
 }
 
-Entry Listing::entry(std::size_t index) const
+std::size_t packedSizeOf(const char *packed)
 {
-    const Item &item = items_[index];
-    return {item.inode, item.type, nameOf(item)};
+    return packedName + static_cast<unsigned char>(packed[packedLength]);
 }
 
-// An orphan may be somebody's only copy of a fork: it is shown as a file of its own.
-bool Listing::isHidden(int folder, const Item &item, const std::unordered_set<std::string_view> &names) const
+// Packed entries are shorter than the kernel's, so that each finds room where the kernel's stood or before.
+void pack(char *packed, const Entry &entry)
 {
-    const std::string_view name = nameOf(item);
-    if (name.starts_with(temporaryPrefix))
-        return true;
-    if (!looksLikeSidecar(name) || item.type == DT_DIR)
+    const std::size_t length = entry.name.size();
+    std::memmove(packed + packedName, entry.name.data(), length);
+    std::memcpy(packed, &entry.inode, sizeof entry.inode);
+    packed[packedType] = static_cast<char>(entry.type);
+    packed[packedMarks] = 0;
+    packed[packedLength] = static_cast<char>(length);
+}
+
+// Packs a buffer in its own place.
+struct PackedBuffer
+{
+    std::size_t size = 0;
+    std::uint32_t count = 0;
+    bool anySpecial = false;   // a name that may be a sidecar's or a temporary's
+    std::int64_t positionBehindLast = 0;
+};
+
+PackedBuffer packInPlace(std::span<char> filled)
+{
+    PackedBuffer packed;
+    for (std::size_t offset = 0; offset + nameOffset < filled.size();)
+    {
+        const Entry entry = takeRecord(filled, offset, packed.positionBehindLast);
+        if (entry.name[0] == '.')
+        {
+            if (isDots(entry.name))
+                continue;
+            packed.anySpecial |= looksLikeSidecar(entry.name) || entry.name.starts_with(temporaryPrefix);
+        }
+        const std::size_t size = packedName + entry.name.size();
+        pack(filled.data() + packed.size, entry);
+        packed.size += size;
+        ++packed.count;
+    }
+    return packed;
+}
+
+// The entries with a sidecar's name, found by the name of the file that each would belong to.
+class SidecarIndex
+{
+public:
+    explicit SidecarIndex(std::vector<char *> sidecars) : sidecars_(std::move(sidecars)), slots_(std::bit_ceil(2 * sidecars_.size() + 1))
+    {
+        for (std::uint32_t number = 0; number < sidecars_.size(); ++number)
+        {
+            std::size_t slot = slotOf(ownerOf(sidecars_[number]));
+            while (slots_[slot] != 0)
+                slot = nextSlot(slot);
+            slots_[slot] = number + 1;
+        }
+    }
+
+    char *find(std::string_view owner) const
+    {
+        for (std::size_t slot = slotOf(owner); slots_[slot] != 0; slot = nextSlot(slot))
+            if (char *sidecar = sidecars_[slots_[slot] - 1]; ownerOf(sidecar) == owner)
+                return sidecar;
+        return nullptr;
+    }
+
+    const std::vector<char *> &all() const { return sidecars_; }
+    static std::string_view ownerOf(const char *sidecar) { return packedNameOf(sidecar).substr(2); }
+
+private:
+    std::size_t slotOf(std::string_view owner) const { return std::hash<std::string_view>()(owner) & (slots_.size() - 1); }
+    std::size_t nextSlot(std::size_t slot) const { return (slot + 1) & (slots_.size() - 1); }
+    std::vector<char *> sidecars_;
+    std::vector<std::uint32_t> slots_;   // 0: free
+};
+
+template <typename Visit>
+void visitPacked(ListingPiece *first, Visit visit)
+{
+    for (ListingPiece *piece = first; piece; piece = piece->next)
+        for (char *packed = piece->bytes(), *end = packed + piece->size; packed < end; packed += packedSizeOf(packed))
+            visit(packed);
+}
+
+// An orphan may be somebody's only copy of a fork: it is shown as a file of its own. A folder is nobody's sidecar.
+bool isHiddenSidecar(int folder, const char *sidecar)
+{
+    if (sidecar[packedType] == DT_DIR)
         return false;
-    const std::string_view owner = name.substr(2);
-    return owner == "." || names.contains(owner) || isLeftoverSidecar(folder, std::string(name));
+    return (sidecar[packedMarks] & isOwnedMark) || SidecarIndex::ownerOf(sidecar) == "." ||
+           isLeftoverSidecar(folder, std::string(packedNameOf(sidecar)));
 }
 
-int Listing::read(int folder)
+}   // namespace
+
+Listing::Listing(Listing &&other) noexcept
+    : first_(std::exchange(other.first_, nullptr)), last_(std::exchange(other.last_, nullptr)), visible_(std::exchange(other.visible_, 0))
 {
-    bool anySidecars = false;
-    const int result = visitEntries(folder, [&](const Entry &entry) {
-        anySidecars |= looksLikeSidecar(entry.name) || entry.name.starts_with(temporaryPrefix);
-        items_.push_back(
-            {entry.inode, static_cast<std::uint32_t>(names_.size()), static_cast<std::uint8_t>(entry.name.size()), entry.type, false});
-        names_ += entry.name;
-        return true;
-    });
-    if (result == 0 && anySidecars)
-        noteSidecars(folder);
-    return result;
 }
 
-// Who has a sidecar, and which entries are nothing but that.
+Listing::~Listing()
+{
+    while (first_)
+        ::operator delete(std::exchange(first_, first_->next));
+}
+
+void Listing::append(std::span<const char> packed)
+{
+    auto *piece =
+        new (::operator new(sizeof(ListingPiece) + packed.size())) ListingPiece{nullptr, static_cast<std::uint32_t>(packed.size())};
+    std::memcpy(piece->bytes(), packed.data(), packed.size());
+    (last_ ? last_->next : first_) = piece;
+    last_ = piece;
+}
+
+int Listing::read(int readable)
+{
+    alignas(8) char buffer[bufferSize];
+    bool anySpecial = false;
+    for (bool atEnd = false; !atEnd;)
+    {
+        const ssize_t filled = linux_calls::readDirectory(readable, buffer);
+        if (filled < 0)
+            return static_cast<int>(filled);
+        const PackedBuffer packed = packInPlace({buffer, static_cast<std::size_t>(filled)});
+        if (packed.count != 0)
+            append({buffer, packed.size});
+        visible_ += packed.count;
+        anySpecial |= packed.anySpecial;
+        atEnd = filled == 0 || isAtEnd(static_cast<std::size_t>(filled), packed.positionBehindLast);
+    }
+    if (anySpecial)
+        noteSidecars(readable);
+    return 0;
+}
+
+// Who has a sidecar, and which entries are nothing but that, or our own.
 void Listing::noteSidecars(int folder)
 {
-    std::unordered_set<std::string_view> names;
-    for (const Item &item : items_)
-        names.insert(nameOf(item));
-    for (Item &item : items_)
-        item.hasSidecar = names.contains(sidecarNameOf(nameOf(item)));
-    std::erase_if(items_, [&](const Item &item) { return isHidden(folder, item, names); });
+    std::vector<char *> sidecars;
+    visitPacked(first_, [&](char *packed) {
+        if (looksLikeSidecar(packedNameOf(packed)))
+            sidecars.push_back(packed);
+    });
+    const SidecarIndex index(std::move(sidecars));
+    visitPacked(first_, [&](char *packed) {
+        if (packedNameOf(packed).starts_with(temporaryPrefix))
+            packed[packedMarks] |= isHiddenMark;
+        if (char *sidecar = index.find(packedNameOf(packed)))
+        {
+            packed[packedMarks] |= hasSidecarMark;
+            sidecar[packedMarks] |= isOwnedMark;
+        }
+    });
+    for (char *sidecar : index.all())
+        if (isHiddenSidecar(folder, sidecar))
+            sidecar[packedMarks] |= isHiddenMark;
+    visible_ = 0;
+    visitPacked(first_, [&](const char *packed) { visible_ += (packed[packedMarks] & isHiddenMark) == 0; });
+}
+
+Listing::Position Listing::begin() const
+{
+    Position position;
+    position.piece = first_;
+    return position;
+}
+
+bool Listing::next(Position &position, ListedEntry &entry) const
+{
+    while (position.piece)
+    {
+        if (position.offset == position.piece->size)
+        {
+            position.piece = position.piece->next;
+            position.offset = 0;
+            continue;
+        }
+        const char *packed = position.piece->bytes() + position.offset;
+        position.offset += static_cast<std::uint32_t>(packedSizeOf(packed));
+        if (packed[packedMarks] & isHiddenMark)
+            continue;
+        std::memcpy(&entry.inode, packed, sizeof entry.inode);
+        entry.type = static_cast<unsigned char>(packed[packedType]);
+        entry.name = packedNameOf(packed);
+        entry.hasSidecar = (packed[packedMarks] & hasSidecarMark) != 0;
+        return true;
+    }
+    return false;
 }
 
 int countVisibleEntries(int folder, UInt32 &count)
 {
     Listing listing;
-    const int result = listing.read(folder);
+    const Descriptor readable(linux_calls::openAt(folder, ".", O_RDONLY | O_DIRECTORY));
+    const int result = readable.isOpen() ? listing.read(readable.number()) : readable.number();
     count = static_cast<UInt32>(listing.size());
     return result;
 }

@@ -5,9 +5,9 @@
 #include "standin/files/nodes.h"
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace standin
@@ -20,6 +20,11 @@ struct Entry
     std::string_view name;
 };
 
+struct ListedEntry : Entry
+{
+    bool hasSidecar;
+};
+
 // Gives every entry but "." and ".." to `visit` until it says false. `folder` may be an O_PATH descriptor.
 // The result is 0 or a negative errno.
 int visitEntries(int folder, const std::function<bool(const Entry &)> &visit);
@@ -27,29 +32,41 @@ int visitEntries(int folder, const std::function<bool(const Entry &)> &visit);
 // The temporary files of the layer itself begin with this; nobody else sees them.
 constexpr std::string_view temporaryPrefix = ".zerb-";
 
-// A whole folder as it was read: the entries that a user sees, their names back to back.
+struct ListingPiece;
+
+// A whole folder as it was read: the entries that a user sees, in the disk's order. An entry takes eleven bytes and its name.
 class Listing
 {
 public:
-    // 0 or a negative errno. Sidecars of files that are there, our leftovers and temporaries are left out.
-    int read(int folder);
-    std::size_t size() const { return items_.size(); }
-    Entry entry(std::size_t index) const;
-    bool hasSidecar(std::size_t index) const { return items_[index].hasSidecar; }
+    Listing() = default;
+    Listing(Listing &&other) noexcept;
+    Listing &operator=(Listing &&) = delete;
+    ~Listing();
+
+    // Reads on from where the descriptor stands. Sidecars of files that are there, our leftovers and temporaries are left out.
+    // 0 or a negative errno.
+    int read(int readable);
+
+    // How many entries a user sees.
+    std::uint32_t size() const { return visible_; }
+
+    // Stands before an entry, or at the end.
+    class Position
+    {
+        friend class Listing;
+        const ListingPiece *piece = nullptr;
+        std::uint32_t offset = 0;
+    };
+    Position begin() const;
+
+    // Gives the entry behind a position, which moves on. False at the end.
+    bool next(Position &position, ListedEntry &entry) const;
 
 private:
-    struct Item
-    {
-        std::uint64_t inode;
-        std::uint32_t nameOffset;
-        std::uint8_t nameLength, type;
-        bool hasSidecar;
-    };
-    std::string_view nameOf(const Item &item) const;
+    void append(std::span<const char> packed);
     void noteSidecars(int folder);
-    bool isHidden(int folder, const Item &item, const std::unordered_set<std::string_view> &names) const;
-    std::vector<Item> items_;
-    std::string names_;
+    ListingPiece *first_ = nullptr, *last_ = nullptr;
+    std::uint32_t visible_ = 0;
 };
 
 // How many entries a user sees.

@@ -1,7 +1,7 @@
 // From volume, directory and name to a reference.
 #include "platform/platform.h"
+#include "standin/files/block_lookup.h"
 #include "standin/files/names.h"
-#include "standin/files/references.h"
 #include "standin/files/short_lookups.h"
 
 #include <algorithm>
@@ -37,19 +37,6 @@ OSErr findAboveRoot(const VolumeHandle &volume, ConstStr255Param name, Object &o
     return nsvErr;
 }
 
-OSErr findByParameters(const FSRefParam &parameters, Object &object)
-{
-    const VolumeHandle volume = findVolume(parameters.ioVRefNum);
-    const auto folderID = parameters.ioDirID == defaultDirectory ? static_cast<UInt32>(fsRtDirID) : static_cast<UInt32>(parameters.ioDirID);
-    if (!volume)
-        return nsvErr;
-    if (!parameters.ioNamePtr || parameters.ioNamePtr[0] == 0)
-        return findFolder(volume, folderID, object);
-    if (folderID == fsRtParID)
-        return findAboveRoot(volume, parameters.ioNamePtr, object);
-    return findShortNamed(volume, folderID, parameters.ioNamePtr, object);
-}
-
 OSErr findUnicodeNamed(const FSRefParam &parameters, Object &object)
 {
     Object folder;
@@ -65,12 +52,30 @@ OSErr findUnicodeNamed(const FSRefParam &parameters, Object &object)
 
 }   // namespace
 
+namespace standin
+{
+
+OSErr findByTriple(FSVolumeRefNum volumeNumber, SInt32 directoryID, ConstStr255Param name, Object &object)
+{
+    const VolumeHandle volume = findVolume(volumeNumber);
+    const auto folderID = directoryID == defaultDirectory ? static_cast<UInt32>(fsRtDirID) : static_cast<UInt32>(directoryID);
+    if (!volume)
+        return nsvErr;
+    if (!name || name[0] == 0)
+        return findFolder(volume, folderID, object);
+    if (folderID == fsRtParID)
+        return findAboveRoot(volume, name, object);
+    return findShortNamed(volume, folderID, name, object);
+}
+
+}   // namespace standin
+
 OSErr PBMakeFSRefSync(FSRefParamPtr parameters)
 {
     Object object;
     if (!parameters || !parameters->newRef)
         return paramErr;
-    const OSErr result = findByParameters(*parameters, object);
+    const OSErr result = findByTriple(parameters->ioVRefNum, parameters->ioDirID, parameters->ioNamePtr, object);
     if (result == noErr)
         *parameters->newRef = rememberedReference(object);
     return parameters->ioResult = result;

@@ -2,6 +2,8 @@
 
 #include "standin/files/dates.h"
 #include "standin/files/errors.h"
+#include "standin/files/metadata_attributes.h"
+#include "standin/files/metadata_sidecars.h"
 #include "standin/files/sidecar_store.h"
 
 #include <algorithm>
@@ -14,80 +16,14 @@ namespace standin
 namespace
 {
 
-constexpr std::size_t attributeListSize = 4096;   // an object with more names than fit is asked for each by itself
-
-struct Attributes
+// Of a fork no attribute says anything.
+Attributes readAttributesFor(const Object &object, unsigned parts)
 {
-    bool possible = true;
-    int failure = 0;   // the errno of what could not be read: it must not be written over
-    std::optional<SharedAttribute> shared;
-    std::optional<OwnRecord> own;
-};
-
-bool mayHaveAttributes(const Object &object)
-{
-    return object.volume->hasAttributes && (object.status.isFolder() || object.status.isRegular());
-}
-
-const char *placeName(const Object &object)
-{
-    return object.name.c_str();
-}
-
-SidecarPlace sidecarPlace(const Object &object)
-{
-    return {object.folder->number(), object.name, object.status};
-}
-
-bool listHolds(std::span<const char> list, const char *name)
-{
-    const std::size_t length = std::strlen(name) + 1;
-    return std::search(list.begin(), list.end(), name, name + length) != list.end();
-}
-
-void noteFailure(ssize_t size, Attributes &attributes)
-{
-    if (size < 0 && size != -ENODATA && size != -EOPNOTSUPP && size != -ERANGE)
-        attributes.failure = static_cast<int>(-size);
-}
-
-void readShared(const Object &object, Attributes &attributes)
-{
-    std::uint8_t bytes[sharedAttributeSize + 1];
-    SharedAttribute shared;
-    const ssize_t size = linux_calls::getAttribute(object.folder->number(), placeName(object), sharedAttributeName, bytes);
-    if (size > 0 && acceptSharedAttribute({bytes, static_cast<std::size_t>(size)}, shared))
-        attributes.shared = shared;
-    noteFailure(size, attributes);
-}
-
-void readOwn(const Object &object, Attributes &attributes)
-{
-    std::uint8_t bytes[256];
-    const ssize_t size = linux_calls::getAttribute(object.folder->number(), placeName(object), ownAttributeName, bytes);
-    if (size > 0)
-        attributes.own = parseOwnRecord({bytes, static_cast<std::size_t>(size)});
-    noteFailure(size, attributes);
-}
-
-// One call tells which of the two there are. What may not be read counts as not there.
-Attributes readAttributes(const Object &object, unsigned parts)
-{
-    Attributes attributes;
-    attributes.possible = mayHaveAttributes(object);
-    if (!attributes.possible || parts == kForkPart)
-        return attributes;   // of a fork no attribute says anything
-    char list[attributeListSize];
-    const ssize_t size = linux_calls::listAttributes(object.folder->number(), placeName(object), list);
-    const bool tooMany = size == -ERANGE;
-    noteFailure(size, attributes);
-    const std::span<const char> names(list, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    if (tooMany || listHolds(names, sharedAttributeName))
-        readShared(object, attributes);
-    const bool ownIsWanted = (parts & ~kFinderPart) != 0 || !attributes.shared;
-    if (ownIsWanted && (tooMany || listHolds(names, ownAttributeName)))
-        readOwn(object, attributes);
-    return attributes;
+    if (mayHaveAttributes(object) && parts != kForkPart)
+        return readAttributes(object, (parts & ~static_cast<unsigned>(kFinderPart)) != 0);
+    Attributes none;
+    none.possible = mayHaveAttributes(object);
+    return none;
 }
 
 // --- taking the parts from where they are ------------------------------------------------------------------------------------------------
@@ -185,16 +121,6 @@ OSErr withOwnersAccess(const Object &object, int descriptor, Step step)
     return result;
 }
 
-SidecarDates mirroredDates(const Object &object, const OwnRecord &own, std::int32_t access)
-{
-    SidecarDates dates{unknownSidecarDate, sidecarFromDate(dateFromLinux(object.status.modification)), unknownSidecarDate, access};
-    if (own.creationDate)
-        dates.creation = sidecarFromDate(*own.creationDate);
-    if (own.backupDate)
-        dates.backup = sidecarFromDate(*own.backupDate);
-    return dates;
-}
-
 // The shared attribute as it should be; none if it was none and would say nothing.
 std::optional<SharedAttribute> sharedFrom(const Object &object, const Attributes &present, unsigned parts, const Metadata &wanted)
 {
@@ -245,81 +171,6 @@ int writeAttributes(const Object &object, int descriptor, const Attributes &pres
     return writeOwn(descriptor, own, wanted.own);
 }
 
-template <std::size_t Size>
-SidecarPiece pieceOf(std::uint32_t id, const std::array<std::uint8_t, Size> &bytes)
-{
-    return {id, {bytes.begin(), bytes.end()}};
-}
-
-// Entry 10 or 14 with its other bits kept.
-template <typename WriteLock>
-SidecarPiece lockPiece(const Sidecar *sidecar, std::uint32_t id, bool locked, WriteLock writeLock)
-{
-    std::array<std::uint8_t, 4> info{};
-    if (sidecar)
-        sidecar->read(id, info);
-    writeLock(std::span<std::uint8_t, 4>(info), locked);
-    return pieceOf(id, info);
-}
-
-// Entry 8 with its access date, which we know nothing of, kept.
-SidecarPiece datesPiece(const Object &object, const Sidecar *sidecar, const OwnRecord &own)
-{
-    std::array<std::uint8_t, 16> bytes{};
-    const bool isThere = sidecar && sidecar->read(kFileDatesEntry, bytes);
-    writeSidecarDates(bytes, mirroredDates(object, own, isThere ? readSidecarDates(bytes).access : unknownSidecarDate));
-    return pieceOf(kFileDatesEntry, bytes);
-}
-
-// What a sidecar should say of the changed parts.
-OSErr sidecarPieces(const Object &object, unsigned parts, const Metadata &wanted, std::vector<SidecarPiece> &pieces)
-{
-    Sidecar present;
-    const SidecarState state = openSidecar(sidecarPlace(object), false, present);
-    const bool exists = state == SidecarState::good;
-    const Sidecar *sidecar = exists ? &present : nullptr;
-    if (state == SidecarState::failing)
-        return ioErr;
-    if (parts & kFinderPart)
-        pieces.push_back(pieceOf(kFinderInfoEntry, wanted.finderInfo));
-    if (parts & kDatesPart)
-        pieces.push_back(datesPiece(object, sidecar, wanted.own));
-    if (parts & kLockPart)
-        pieces.push_back(lockPiece(sidecar, kMacintoshFileInfoEntry, wanted.own.locked, writeMacintoshLock));
-    if ((parts & kLockPart) && exists && present.layout.find(kAFPFileInfoEntry))
-        pieces.push_back(lockPiece(sidecar, kAFPFileInfoEntry, wanted.own.locked, writeAFPLock));
-    return noErr;
-}
-
-// Where the sidecar is the only place. Entries come into being as they are needed: Finder information alone has the form that everybody opens.
-OSErr writeToSidecarAlone(const Object &object, unsigned parts, const Metadata &present, const Metadata &wanted)
-{
-    const auto record = buildOwnRecord(wanted.own);
-    const bool ownChanges = record != buildOwnRecord(present.own);
-    if (!ownChanges && wanted.finderInfo == present.finderInfo)
-        return noErr;
-    std::vector<SidecarPiece> pieces;
-    if (OSErr result = sidecarPieces(object, kFinderPart | (ownChanges ? parts : 0), wanted, pieces))
-        return result;
-    if (ownChanges)
-        pieces.push_back(pieceOf(kOwnEntry, record));
-    return completeSidecar(sidecarPlace(object), pieces);
-}
-
-// Other programs' copies in a sidecar that is there anyway; and a sidecar for what is locked, so that a folder's listing alone tells what may be locked.
-OSErr bringSidecarInLine(const Object &object, unsigned parts, const Metadata &wanted, bool &isThere)
-{
-    if ((parts & kLockPart) && wanted.own.locked)
-        if (OSErr result = ensureSidecar(sidecarPlace(object), wanted.finderInfo))
-            return result;
-    if (OSErr result = findSidecar(sidecarPlace(object), isThere); result != noErr || !isThere)
-        return result;
-    std::vector<SidecarPiece> pieces;
-    if (OSErr result = sidecarPieces(object, parts, wanted, pieces))
-        return result;
-    return updateSidecar(sidecarPlace(object), pieces);
-}
-
 // The sidecar first: an object must not be locked without one.
 OSErr writeToBoth(const Object &object, int descriptor, const Attributes &attributes, unsigned parts, Metadata wanted)
 {
@@ -347,17 +198,75 @@ Metadata withParts(const Metadata &present, const OwnRecord &ownBefore, unsigned
         wanted.own.locked = changes.own.locked;
     if (parts & kHintPart)
         wanted.own.hint = changes.own.hint;
+    if (parts & kBlankAccessPart)
+        wanted.own.blankAccess = changes.own.blankAccess;
     return wanted;
 }
 
 Attributes readBoth(const Object &object, unsigned parts, Metadata &metadata)
 {
     metadata = {};
-    Attributes attributes = readAttributes(object, parts);
+    Attributes attributes = readAttributesFor(object, parts);
     takeAttributes(attributes, metadata);
     if (needsSidecar(attributes, parts))
         takeSidecar(object, attributes, parts, metadata);
     return attributes;
+}
+
+// --- exchanged files -----------------------------------------------------------------------------------------------------------------------
+
+// Sets an attribute that is wanted, removes one that is not.
+template <typename Bytes>
+int writeOrRemove(int descriptor, const char *name, const std::optional<Bytes> &wanted)
+{
+    if (wanted)
+        return linux_calls::setAttribute(descriptor, name, *wanted);
+    const int failure = linux_calls::removeAttribute(descriptor, name);
+    return failure == -ENODATA ? 0 : failure;
+}
+
+// Where the disk has no room for one attribute more, the room that the journal keeps free is given up.
+int writeWithJournal(const Object &object, int descriptor, const std::function<int()> &write)
+{
+    const int failure = write();
+    if (failure != -ENOSPC && failure != -E2BIG && failure != -EDQUOT)
+        return failure;
+    const auto journal = readAttributes(object, true).journal;
+    if (!journal)
+        return failure;
+    const int shortened = linux_calls::setAttribute(descriptor, journalAttributeName, buildJournal(*journal));
+    return shortened ? shortened : write();
+}
+
+OSErr writePlaceMetadata(const Object &object, int descriptor, const PlaceMetadata &metadata)
+{
+    Metadata wanted;
+    wanted.own = metadata.own.value_or(OwnRecord{});
+    if (metadata.shared)
+        wanted.finderInfo = sharedFinderInfo(*metadata.shared);
+    bool hasSidecar = false;
+    if (!object.sidecarIsAbsent)
+        if (OSErr result = bringSidecarInLine(object, kFinderPart | kDatesPart, wanted, hasSidecar))
+            return result;
+    wanted.own.finderInfoWasShared = hasSidecar && metadata.shared;
+    const auto own = wanted.own.isDefault() ? std::nullopt : std::optional(buildOwnRecord(wanted.own));
+    int failure = writeWithJournal(object, descriptor, [&] { return writeOrRemove(descriptor, ownAttributeName, own); });
+    if (failure == 0)
+        failure = writeWithJournal(object, descriptor, [&] { return writeOrRemove(descriptor, sharedAttributeName, metadata.shared); });
+    if (failure == 0)
+        failure = linux_calls::removeAttribute(descriptor, journalAttributeName);
+    return resultFromErrno(-failure);
+}
+
+// What was cut off: the place's metadata come to the file that has arrived there; what never went is as before. A parked file waits for its way.
+OSErr finishExchange(const Object &object, int descriptor, const ExchangeJournal &journal)
+{
+    switch (stageOf(object, journal))
+    {
+    case ExchangeStage::arrived: return writePlaceMetadata(object, descriptor, journal.metadata);
+    case ExchangeStage::parked: return noErr;
+    default: return resultFromErrno(-linux_calls::removeAttribute(descriptor, journalAttributeName));
+    }
 }
 
 }   // namespace
@@ -371,9 +280,15 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
 {
     return withOwnersAccess(object, descriptor, [&]() -> OSErr {
         Metadata present;
-        const Attributes attributes = readBoth(object, kEveryPart, present);
+        Attributes attributes = readBoth(object, kEveryPart, present);
         if (attributes.failure)
             return resultFromErrno(attributes.failure);
+        if (attributes.journal)
+        {
+            if (OSErr result = finishExchange(object, descriptor, *attributes.journal))
+                return result;
+            attributes = readBoth(object, kEveryPart, present);
+        }
         Metadata changed = present;
         change(changed);
         if (!attributes.possible)
@@ -393,10 +308,53 @@ UTCDateTime creationDateOf(const Object &object, const OwnRecord &own)
     return dateFromLinux(modifiedFirst ? status.modification : status.change);
 }
 
-OSErr checkNotLocked(const Object &object)
+OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMetadata &metadata, std::size_t &room)
+{
+    Metadata present;
+    const Attributes attributes = readBoth(object, kFinderPart | kDatesPart | kHintPart, present);
+    if (attributes.failure)
+        return resultFromErrno(attributes.failure);
+    Metadata wanted;
+    wanted.finderInfo = present.finderInfo;
+    wanted.own.hint = present.own.hint;
+    wanted.own.backupDate = present.own.backupDate;
+    wanted.own.creationDate = creationDateOf(object, present.own);
+    if (successor.status.hasBirth && sameDate(*wanted.own.creationDate, creationDateOf(successor, OwnRecord{})))
+        wanted.own.creationDate.reset();
+    metadata.shared = sharedFrom(successor, attributes, kFinderPart | kDatesPart, wanted);
+    wanted.own.finderInfoWasShared = true;   // nothing counts that a sidecar brings along
+    metadata.own = wanted.own;
+    room = (attributes.shared ? 0 : sharedAttributeSize + roomForAttribute) + (attributes.own ? 0 : ownRecordSize + roomForAttribute);
+    return noErr;
+}
+
+OSErr giveMetadataOfPlace(const Object &object, int descriptor, const PlaceMetadata &metadata)
+{
+    return withOwnersAccess(object, descriptor, [&] { return writePlaceMetadata(object, descriptor, metadata); });
+}
+
+OSErr writeJournal(const Object &object, int descriptor, const ExchangeJournal &journal, std::size_t room)
+{
+    return withOwnersAccess(object, descriptor, [&] {
+        auto bytes = buildJournal(journal);
+        bytes.resize(std::min(bytes.size() + room, largestJournal));
+        return resultFromErrno(-linux_calls::setAttribute(descriptor, journalAttributeName, bytes));
+    });
+}
+
+OSErr removeJournal(const Object &object, int descriptor)
+{
+    return withOwnersAccess(object, descriptor,
+                            [&] { return resultFromErrno(-linux_calls::removeAttribute(descriptor, journalAttributeName)); });
+}
+
+OSErr checkNotLocked(const Object &object, bool *exchangeWasCutOff)
 {
     Metadata metadata;
-    const int failure = readBoth(object, kLockPart, metadata).failure;
+    const Attributes attributes = readBoth(object, kLockPart, metadata);
+    const int failure = attributes.failure;
+    if (exchangeWasCutOff)
+        *exchangeWasCutOff = attributes.journal.has_value();
     if (metadata.own.locked)
         return fLckdErr;
     return failure == EACCES || failure == EPERM ? static_cast<OSErr>(noErr) : resultFromErrno(failure);

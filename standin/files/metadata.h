@@ -9,7 +9,7 @@
 #pragma once
 
 #include "platform/platform.h"
-#include "standin/files/attribute_format.h"
+#include "standin/files/exchange_journal.h"
 #include "standin/files/references.h"
 
 #include <functional>
@@ -25,6 +25,7 @@ enum MetadataPart : unsigned
     kHintPart = 8,
     kForkPart = 16,   // the resource fork's sizes; read only
     kEveryPart = 31,
+    kBlankAccessPart = 32,   // of folders; read and changed by itself
 };
 
 struct Metadata
@@ -47,6 +48,20 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
 UTCDateTime creationDateOf(const Object &object, const OwnRecord &own);
 
 // Result: noErr; fLckdErr if it is locked; the disk's code if that cannot be found out. A lock that may not be read is none.
-OSErr checkNotLocked(const Object &object);
+// `exchangeWasCutOff` may be null.
+OSErr checkNotLocked(const Object &object, bool *exchangeWasCutOff = nullptr);
+
+// --- exchanging; with the locks of both folders held ---
+
+// What stays with the place where `object` is when it is exchanged and `successor` comes there. `room`: what the object's own
+// attributes may still grow by when it is given the metadata of another place.
+OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMetadata &metadata, std::size_t &room);
+
+// A file has come to its place: it gets the place's metadata, and its journal goes. `descriptor` may be O_PATH, for all three.
+OSErr giveMetadataOfPlace(const Object &object, int descriptor, const PlaceMetadata &metadata);
+
+// The journal takes `room` bytes more than it needs, so that what giveMetadataOfPlace writes later fits in.
+OSErr writeJournal(const Object &object, int descriptor, const ExchangeJournal &journal, std::size_t room);
+OSErr removeJournal(const Object &object, int descriptor);
 
 }   // namespace standin

@@ -1,10 +1,15 @@
 // Moving and renaming. A file never loses its sidecar: that is linked at the new name first, then the file is renamed, then the old sidecar goes.
 #include "platform/platform.h"
+#include "standin/files/block_lookup.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
 #include "standin/files/moved_objects.h"
 #include "standin/files/names.h"
+#include "standin/files/reference_format.h"
 #include "standin/files/sidecar_carrying.h"
+#include "standin/files/volume_services.h"
+
+#include <algorithm>
 
 using namespace standin;
 
@@ -19,17 +24,32 @@ struct Target
     std::string name;
 };
 
-OSErr renameWithSidecar(const Object &object, const Target &target)
+SidecarPlace placeOf(const Object &object)
 {
-    const SidecarPlace from{object.folder->number(), object.name, object.status};
-    const SidecarPlace to{target.folder->number(), target.name, object.status};
-    bool carried = false;
-    if (OSErr result = carrySidecar(from, to, carried))
+    return {object.folder->number(), object.name, object.status};
+}
+
+OSErr checkNothingIsAt(const Target &target)
+{
+    ObjectStatus taken;
+    const int found = linux_calls::statusAt(target.folder->number(), target.name.c_str(), taken);
+    if (found == 0)
+        return dupFNErr;
+    return linux_calls::saysAbsent(found) ? static_cast<OSErr>(noErr) : resultFromErrno(-found);
+}
+
+// The new name must be free before a sidecar is put there or cleared away: else it would be that of the file that has the name. With neither to do, the
+// renaming itself says whether the name is free.
+OSErr prepareName(const Object &object, const Target &target)
+{
+    bool sidecarIsInTheWay = false;
+    if (OSErr result = findSidecar({target.folder->number(), target.name, object.status}, sidecarIsInTheWay))
         return result;
-    const int failure = linux_calls::renameWithoutReplacing(from.folder, from.name.c_str(), to.folder, to.name.c_str());
-    if (carried)
-        dropSidecarName(failure ? to : from);
-    return resultFromErrno(-failure);
+    if (object.sidecarIsAbsent && !sidecarIsInTheWay)
+        return noErr;
+    if (OSErr result = checkNothingIsAt(target))
+        return result;
+    return sidecarIsInTheWay ? clearTheWayFor(target.folder->number(), target.name) : static_cast<OSErr>(noErr);
 }
 
 bool isWhereItIs(const Object &object, const Target &target)
@@ -37,56 +57,148 @@ bool isWhereItIs(const Object &object, const Target &target)
     return object.parentID == target.folderID && object.name == target.name;
 }
 
-// With the locks of both folders held, and the object found again under them.
-OSErr place(const Object &object, const Target &target, FSRef *newRef)
+OSErr place(const Object &object, const Target &target)
 {
-    if (!isWhereItIs(object, target))
-    {
-        ObjectStatus taken;
-        const int found = linux_calls::statusAt(target.folder->number(), target.name.c_str(), taken);
-        if (found == 0)
-            return dupFNErr;   // and its sidecar is its own: not to be cleared away
-        if (!linux_calls::saysAbsent(found))
-            return resultFromErrno(-found);
-        if (OSErr result = clearTheWayFor(target.folder->number(), target.name))
-            return result;
-        const PlaceChange change;
-        if (OSErr result = renameWithSidecar(object, target))
-            return result;
-        noteMoved(object, target.folderID, target.name);
-    }
-    Object moved = object;
-    moved.parentID = target.folderID;
-    moved.folder = target.folder;
-    moved.name = target.name;
-    giveReference(moved, newRef, nullptr);
+    if (OSErr result = prepareName(object, target))
+        return result;
+    const PlaceChange change;
+    if (OSErr result = renameWithSidecar(object, target.folder->number(), target.name))
+        return result;
+    noteMoved(object, target.folderID, target.name);
     return noErr;
+}
+
+// With the locks of both folders held, and the object found again under them.
+OSErr moveTo(Object &object, const Target &target)
+{
+    bool hasSidecar = false;
+    if (OSErr result = findSidecar(placeOf(object), hasSidecar))
+        return result;
+    object.sidecarIsAbsent = !hasSidecar;
+    if (OSErr result = checkMayLeave(object))
+        return result;
+    if (!isWhereItIs(object, target))
+        if (OSErr result = place(object, target))
+            return result;
+    object.parentID = target.folderID;
+    object.folder = target.folder;
+    object.name = target.name;
+    return noErr;
+}
+
+// A folder that was met and is still open needs no look at its name: its descriptor leads to it wherever it lies now.
+bool takeOpenFolder(const FSRef *directory, VolumeHandle &volume, Target &target)
+{
+    ReferenceFields fields;
+    Folder folder;
+    if (!directory || !readReference(*directory, fields) || !fields.timeIsBirth || fields.parentID == fsRtParID)
+        return false;
+    volume = findVolume(fields.volume);
+    if (!volume || !recallFolder(*volume, {fields.device, fields.inode, fields.time}, folder))
+        return false;
+    target.folderID = folder.id;
+    return openFolder(*volume, folder.id, target.folder) == noErr;
+}
+
+OSErr openTarget(const Object &folder, Target &target)
+{
+    if (!folder.isFolder())
+        return errFSNotAFolder;
+    target.folderID = folder.nodeID();
+    return openFolder(*folder.volume, target.folderID, target.folder);
+}
+
+OSErr findTarget(const FSRef *directory, VolumeHandle &volume, Target &target)
+{
+    Object folder;
+    if (takeOpenFolder(directory, volume, target))
+        return noErr;
+    if (OSErr result = findObject(directory, folder))
+        return result;
+    volume = folder.volume;
+    return openTarget(folder, target);
+}
+
+// A name's composed and decomposed forms are one name. Of ASCII there is only one form.
+OSErr checkOtherForms(const Object &object, int folder, const UniChar *name, std::size_t length, const std::string &stored)
+{
+    const bool hasOneForm = std::all_of(name, name + length, [](UniChar unit) { return unit < 0x80; });
+    if (hasOneForm)
+        return noErr;
+    std::vector<std::string> others;
+    if (OSErr result = lookupNamesFromUnicode(name, length, others))
+        return result;
+    std::erase(others, stored);   // which the renaming itself looks at
+    return checkNamesAreFree(folder, others, &object.name);
+}
+
+// --- by parameter block ----------------------------------------------------------------------------------------------------------------------
+
+// Without a new name the object keeps its own.
+OSErr takeNewName(ConstStr255Param newName, const Object &object, Target &target)
+{
+    if (!newName)
+        target.name = object.name;
+    else if (newName[0] == 0)
+        return bdNamErr;
+    else
+        return storedNameFromPascal(newName, target.name);
+    return noErr;
+}
+
+OSErr checkOtherForms(const Object &object, ConstStr255Param newName, const Target &target)
+{
+    std::vector<std::string> others;
+    if (!newName)
+        return noErr;
+    if (OSErr result = lookupNamesFromPascal(newName, others))
+        return result;
+    std::erase(others, target.name);
+    return checkNamesAreFree(target.folder->number(), others, target.folderID == object.parentID ? &object.name : nullptr);
+}
+
+OSErr moveAndRename(const CopyParam &block)
+{
+    Object object, folder;
+    Target target;
+    ChangeLock lock;
+    if (OSErr result = findByTriple(block.ioVRefNum, block.ioDirID, block.ioNamePtr, object))
+        return result;
+    if (!offersMoveRename(*object.volume))
+        return paramErr;
+    if (OSErr result = findByTriple(block.ioVRefNum, block.ioNewDirID, block.ioNewName, folder))
+        return result == fnfErr ? static_cast<OSErr>(dirNFErr) : result;
+    if (folder.volume != object.volume)
+        return diffVolErr;
+    if (OSErr result = openTarget(folder, target))
+        return result == errFSNotAFolder ? static_cast<OSErr>(dirNFErr) : result;
+    const FSRef reference = makeReference(object);
+    if (OSErr result = findAndLockBoth(&reference, *folder.volume, target.folderID, target.folder, object, lock))
+        return result;
+    if (OSErr result = takeNewName(block.ioCopyName, object, target))
+        return result;
+    if (OSErr result = checkOtherForms(object, block.ioCopyName, target))
+        return result;
+    return moveTo(object, target);
 }
 
 }   // namespace
 
 OSErr FSMoveObject(const FSRef *ref, const FSRef *directory, FSRef *newRef)
 {
-    Object object, folder;
+    Object object;
+    VolumeHandle volume;
     Target target;
     ChangeLock lock;
-    if (OSErr result = findObject(directory, folder))
+    if (OSErr result = findTarget(directory, volume, target))
         return result;
-    if (!folder.isFolder())
-        return errFSNotAFolder;
-    target.folderID = folder.nodeID();
-    if (OSErr result = openFolder(*folder.volume, target.folderID, target.folder))
-        return result;
-    if (OSErr result = findObject(ref, object))
-        return result;
-    if (folder.volume != object.volume)
-        return diffVolErr;
-    if (OSErr result = findAndLockBoth(ref, target.folderID, target.folder, object, lock))
-        return result;
-    if (OSErr result = checkMayLeave(object))
+    if (OSErr result = findAndLockBoth(ref, *volume, target.folderID, target.folder, object, lock))
         return result;
     target.name = object.name;
-    return place(object, target, newRef);
+    if (OSErr result = moveTo(object, target))
+        return result;
+    giveReference(object, newRef, nullptr);
+    return noErr;
 }
 
 OSErr FSRenameUnicode(const FSRef *ref, UniCharCount nameLength, const UniChar *name, TextEncoding, FSRef *newRef)
@@ -98,11 +210,17 @@ OSErr FSRenameUnicode(const FSRef *ref, UniCharCount nameLength, const UniChar *
         return result;
     if (OSErr result = findAndLock(ref, object, lock))
         return result;
-    if (OSErr result = checkMayLeave(object))
-        return result;
-    if (OSErr result = checkNameIsFree(object.folder->number(), name, nameLength, &object.name))
-        return result;
     target.folderID = object.parentID;
     target.folder = object.folder;
-    return place(object, target, newRef);
+    if (OSErr result = checkOtherForms(object, object.folder->number(), name, nameLength, target.name))
+        return result;
+    if (OSErr result = moveTo(object, target))
+        return result;
+    giveReference(object, newRef, nullptr);
+    return noErr;
+}
+
+OSErr PBHMoveRenameSync(HParmBlkPtr block)
+{
+    return block ? block->copyParam.ioResult = moveAndRename(block->copyParam) : static_cast<OSErr>(paramErr);
 }

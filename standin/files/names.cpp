@@ -162,11 +162,14 @@ void addCandidate(std::u16string_view text, std::vector<std::string> &diskNames)
         diskNames.push_back(std::move(diskName));
 }
 
-std::vector<UniChar> unicodeFromPascal(ConstStr255Param name)
+// False if the bytes are no text of the system's encoding.
+bool unicodeFromPascal(ConstStr255Param name, std::vector<UniChar> &units)
 {
-    std::vector<UniChar> units(name[0]);
-    std::transform(name + 1, name + 1 + name[0], units.begin(), unicodeFromSystemByte);
-    return units;
+    std::u16string unicode;
+    if (!unicodeFromSystemText(std::string_view(reinterpret_cast<const char *>(name + 1), name[0]), unicode))
+        return false;
+    units.assign(unicode.begin(), unicode.end());
+    return true;
 }
 
 }   // namespace
@@ -235,13 +238,17 @@ OSErr lookupNamesFromUnicode(const UniChar *units, std::size_t count, std::vecto
 
 OSErr lookupNamesFromPascal(ConstStr255Param name, std::vector<std::string> &diskNames)
 {
-    const std::vector<UniChar> units = unicodeFromPascal(name);
+    std::vector<UniChar> units;
+    if (!unicodeFromPascal(name, units))
+        return bdNamErr;
     return lookupNamesFromUnicode(units.data(), units.size(), diskNames);
 }
 
 OSErr storedNameFromPascal(ConstStr255Param name, std::string &diskName)
 {
-    const std::vector<UniChar> units = unicodeFromPascal(name);
+    std::vector<UniChar> units;
+    if (!unicodeFromPascal(name, units))
+        return bdNamErr;
     return storedNameFromUnicode(units.data(), units.size(), diskName);
 }
 

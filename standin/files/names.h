@@ -41,6 +41,7 @@ OSErr storedNameFromUnicode(const UniChar *units, std::size_t count, std::string
 OSErr lookupNamesFromUnicode(const UniChar *units, std::size_t count, std::vector<std::string> &diskNames);
 
 // The same for a Pascal string in the system's encoding. It may be longer than 31 bytes: the length that a volume allows is the disk's business.
+// Bytes that are no text of that encoding (there are none in Mac Roman): bdNamErr.
 OSErr lookupNamesFromPascal(ConstStr255Param name, std::vector<std::string> &diskNames);
 OSErr storedNameFromPascal(ConstStr255Param name, std::string &diskName);
 
@@ -51,7 +52,8 @@ bool plainShortName(std::string_view diskName, Str63 name);
 
 // The short form `begin#1A2B3C.ext` of a disk name: as much of its beginning as fits, '#', `digits` (6 to 16) hexadecimal digits of a
 // hash of its bytes, and its extension where that is at most 5 bytes with its dot. Characters outside the system's encoding read '_'.
-// At most 31 bytes, always possible, never equal for different digits. Users see these names: what a disk name gives never changes.
+// At most 31 bytes, always possible, never equal for different digits. Users see these names: what a disk name gives in one encoding of the
+// system never changes.
 // More digits continue fewer ones. The hash is no secret: names can be made to collide, up to all 16 digits.
 void hashedShortName(std::string_view diskName, int digits, Str63 name);
 

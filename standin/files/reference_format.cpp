@@ -1,5 +1,8 @@
 #include "standin/files/reference_format.h"
 
+#include <array>
+#include <bit>
+#include <cstddef>
 #include <cstring>
 #include <random>
 
@@ -19,33 +22,58 @@ struct Layout
     UInt32 checkSum;
     UInt8 nameLength;
     UInt8 timeIsBirth;
+    UInt16 exchanges;
     char name[longestNameInReference];
 };
 static_assert(sizeof(Layout) == sizeof(FSRef));
 
-std::uint64_t drawKey()
+// What a check sum of 1 adds to the word that it stands in.
+constexpr std::uint64_t wordOfCheckSum = std::endian::native == std::endian::little ? 1 : std::uint64_t{1} << 32;
+static_assert(offsetof(Layout, checkSum) % 8 == 0);
+
+constexpr std::size_t wordCount = sizeof(Layout) / 8;
+using Keys = std::array<std::uint64_t, wordCount + 1>;   // the last one is for nothing at all
+
+Keys drawKeys()
 {
     std::random_device source;
-    return (static_cast<std::uint64_t>(source()) << 32) | source() | 1;
+    Keys keys;
+    for (std::uint64_t &key : keys)
+        key = (static_cast<std::uint64_t>(source()) << 32) | source() | 1;
+    return keys;
 }
 
-// Mixes eight bytes into a sum; every bit of both ends up in all of it.
-std::uint64_t mixIn(std::uint64_t sum, std::uint64_t word)
+const Keys &processKeys()
 {
-    sum = (sum ^ word) * 0x9FB21C651E98DF25u;
-    return sum ^ (sum >> 29);
+    static const Keys keys = drawKeys();
+    return keys;
 }
 
-UInt32 checkSumOf(Layout layout)
+// Each word times a secret odd number, all of them added up: every bit that differs makes another upper half but for one time in 2^32, and a processor works
+// the products out side by side. The check sum itself counts as 0.
+UInt32 checkSumOf(const Layout &layout)
 {
-    static const std::uint64_t key = drawKey();
-    std::uint64_t words[sizeof(Layout) / 8], sum = key;
-    layout.checkSum = 0;
-    std::memcpy(words, &layout, sizeof words);
-    for (const std::uint64_t word : words)
-        sum = mixIn(sum, word);
-    sum = mixIn(sum, key);
+    const Keys &keys = processKeys();
+    std::uint64_t sum = keys[wordCount] - layout.checkSum * wordOfCheckSum * keys[offsetof(Layout, checkSum) / 8];
+    for (std::size_t i = 0; i < wordCount; ++i)
+    {
+        std::uint64_t word;
+        std::memcpy(&word, reinterpret_cast<const char *>(&layout) + 8 * i, sizeof word);
+        sum += word * keys[i];
+    }
     return static_cast<UInt32>(sum >> 32);
+}
+
+void setName(Layout &layout, std::string_view name)
+{
+    if (isLongName(name))
+    {
+        const std::uint64_t hash = longNameHash(name);
+        std::memcpy(layout.name, &hash, sizeof hash);
+        return;
+    }
+    layout.nameLength = static_cast<UInt8>(name.size());
+    std::memcpy(layout.name, name.data(), name.size());
 }
 
 }   // namespace
@@ -72,20 +100,26 @@ FSRef writeReference(const ReferenceFields &fields, std::string_view name)
     layout.volume = fields.volume;
     layout.device = numberOfDevice(fields.device);
     layout.timeIsBirth = fields.timeIsBirth;
-    if (isLongName(name))
-    {
-        const std::uint64_t hash = longNameHash(name);
-        std::memcpy(layout.name, &hash, sizeof hash);
-    }
-    else
-    {
-        layout.nameLength = static_cast<UInt8>(name.size());
-        std::memcpy(layout.name, name.data(), name.size());
-    }
+    layout.exchanges = fields.exchanges;
+    setName(layout, name);
     layout.checkSum = checkSumOf(layout);
     FSRef reference;
     std::memcpy(&reference, &layout, sizeof reference);
     return reference;
+}
+
+void writeListedReference(const ListedFolder &folder, std::uint64_t inode, UInt16 exchanges, std::string_view name, FSRef &reference)
+{
+    Layout layout{};
+    layout.inode = inode;
+    layout.time = folder.moment;
+    layout.parentID = folder.id;
+    layout.volume = folder.volume;
+    layout.device = folder.device;
+    layout.exchanges = exchanges;
+    setName(layout, name);
+    layout.checkSum = checkSumOf(layout);
+    std::memcpy(&reference, &layout, sizeof reference);
 }
 
 bool readReference(const FSRef &reference, ReferenceFields &fields)
@@ -101,6 +135,7 @@ bool readReference(const FSRef &reference, ReferenceFields &fields)
     fields.inode = layout.inode;
     fields.time = layout.time;
     fields.timeIsBirth = layout.timeIsBirth != 0;
+    fields.exchanges = layout.exchanges;
     fields.nameIsHashed = layout.nameLength == 0;
     fields.name.assign(layout.name, layout.nameLength);
     std::memcpy(&fields.nameHash, layout.name, sizeof fields.nameHash);

@@ -1,7 +1,9 @@
 #include "standin/files/references.h"
 
 #include "standin/files/errors.h"
+#include "standin/files/exchanged_objects.h"
 #include "standin/files/listings.h"
+#include "standin/files/long_names.h"
 #include "standin/files/moved_objects.h"
 #include "standin/files/reference_format.h"
 
@@ -23,6 +25,8 @@ bool bornAfterItWasSeen(const ReferenceFields &fields, const Identity &identity)
     return !fields.timeIsBirth && identity.birth > fields.time && packBirth(linux_calls::now()) >= identity.birth;
 }
 
+}   // namespace
+
 bool isMeant(const ReferenceFields &fields, const Identity &identity)
 {
     if (identity.inode != fields.inode || identity.device != fields.device)
@@ -31,6 +35,9 @@ bool isMeant(const ReferenceFields &fields, const Identity &identity)
         return true;
     return fields.timeIsBirth ? identity.birth == fields.time : !bornAfterItWasSeen(fields, identity);
 }
+
+namespace
+{
 
 // Under another name an object is only believed to be the same with an equal birth, or one well before the moment of the listing.
 bool isMeantUnderAnotherName(const ReferenceFields &fields, const Identity &identity)
@@ -71,6 +78,14 @@ bool isCoveredByMount(const ReferenceFields &fields, const Object &object)
     return isListed;
 }
 
+bool findAmong(const std::vector<std::string> &longNames, const ReferenceFields &fields, Object &object)
+{
+    return std::any_of(longNames.begin(), longNames.end(), [&](const std::string &name) {
+        object.name = name;
+        return longNameHash(name) == fields.nameHash && statusNamed(object) == noErr && isMeant(fields, object.identity());
+    });
+}
+
 // Under its own name. A name too long for the reference is first found in its folder.
 bool findUnderOwnName(const ReferenceFields &fields, Object &object)
 {
@@ -79,12 +94,10 @@ bool findUnderOwnName(const ReferenceFields &fields, Object &object)
         object.name = fields.name;
         return statusNamed(object) == noErr && (isMeant(fields, object.identity()) || isCoveredByMount(fields, object));
     }
-    const auto names = namesWhere(object.folder->number(),
-                                  [&](std::string_view name) { return longNameHash(name) == fields.nameHash && isLongName(name); });
-    return std::any_of(names.begin(), names.end(), [&](const std::string &name) {
-        object.name = name;
-        return statusNamed(object) == noErr && isMeant(fields, object.identity());
-    });
+    if (findAmong(knownLongNames(*object.volume, object.parentID, fields.inode), fields, object))
+        return true;
+    readLongNames(*object.volume, object.parentID, object.folder->number());
+    return findAmong(knownLongNames(*object.volume, object.parentID, fields.inode), fields, object);
 }
 
 // Where this process put it. Folders are remembered with their place in any case.
@@ -152,11 +165,14 @@ OSErr find(const FSRef *reference, Object &object, Anchoring anchoring)
         return nsvErr;
     if (fields.parentID == fsRtParID)
         return findRoot(object.volume, object);
+    followExchanges(fields);
     object.parentID = fields.parentID;
     const OSErr opened = openFolder(*object.volume, fields.parentID, object.folder, anchoring);
     if (opened == noErr && findUnderOwnName(fields, object))
         return noErr;
     const PlacesHeld noChange;
+    if (followExchanges(fields) && opened == noErr && findUnderOwnName(fields, object))   // it was exchanged just now
+        return noErr;
     if (findWhereMoved(fields, object, anchoring) || (opened == noErr && findInSameFolder(fields, object)) || findByInode(fields, object))
         return noErr;
     return opened == noErr ? static_cast<OSErr>(fnfErr) : opened;
@@ -247,24 +263,16 @@ FSRef makeReference(const Object &object)
 {
     ReferenceFields fields;
     const Identity identity = object.identity();
+    if (isLongName(object.name))
+        noteLongName(*object.volume, object.parentID, identity.inode, object.name);
     fields.volume = object.volume->number;
     fields.parentID = object.parentID;
     fields.device = identity.device;
     fields.inode = identity.inode;
     fields.time = identity.birth;
     fields.timeIsBirth = identity.birth != 0;
+    fields.exchanges = exchangesOf(identity);
     return writeReference(fields, object.name);
-}
-
-FSRef makeListedReference(const Object &folder, UInt32 folderID, const Entry &entry, const std::timespec &moment)
-{
-    ReferenceFields fields;
-    fields.volume = folder.volume->number;
-    fields.parentID = folderID;
-    fields.device = folder.status.device;
-    fields.inode = entry.inode;
-    fields.time = folder.volume->comparesBirths ? packBirth(moment) : 0;
-    return writeReference(fields, entry.name);
 }
 
 FSRef makeParentReference(const Object &object)
@@ -279,6 +287,7 @@ FSRef makeParentReference(const Object &object)
     fields.inode = folder.identity.inode;
     fields.time = folder.identity.birth;
     fields.timeIsBirth = folder.identity.birth != 0;
+    fields.exchanges = exchangesOf(folder.identity);
     return writeReference(fields, folder.name);
 }
 

@@ -1,6 +1,6 @@
 // References: the 80 bytes of an FSRef ↔ an object on a disk.
 //
-// A reference holds volume, parent folder's ID, device and inode, the name (or a hash of it, if it is longer than 50 bytes) and a time: the object's exact
+// A reference holds volume, parent folder's ID, device and inode, the name (or a hash of it, if it is longer than 48 bytes) and a time: the object's exact
 // birth where its status was asked for, else the moment at which a listing showed it. A keyed check sum tells a reference of this process from other bytes.
 #pragma once
 
@@ -54,11 +54,12 @@ OSErr findFolder(const VolumeHandle &volume, UInt32 id, Object &object);
 // Result: noErr; fnfErr if it is another one; the disk's code.
 OSErr openItself(const Object &object, int flags, Descriptor &itself);
 
+// Whether an object that has its own name is the one that a reference means.
+struct ReferenceFields;
+bool isMeant(const ReferenceFields &fields, const Identity &identity);
+
 // The reference to an object whose status was asked for.
 FSRef makeReference(const Object &object);
-
-// The reference to an object that only a listing of its folder showed, at that moment.
-FSRef makeListedReference(const Object &folder, UInt32 folderID, const Entry &entry, const std::timespec &moment);
 
 // The reference to an object's parent folder; 80 zero bytes for a volume's root.
 FSRef makeParentReference(const Object &object);

@@ -17,10 +17,12 @@ namespace
 
 constexpr std::size_t longestExtension = 5;   // with its dot
 
-// A name that needs no conversion but that of its separators, as most do. Other bytes of ASCII go the long way.
+// A name that needs no conversion but that of its separators, as most do. Other bytes of ASCII go the long way, the backslash among them: its
+// code is the yen sign's in Mac Japanese.
 bool isPlainAsciiName(std::string_view diskName)
 {
-    bool isPrintable = std::all_of(diskName.begin(), diskName.end(), [](char byte) { return byte >= ' ' && byte <= '~' && byte != '/'; });
+    bool isPrintable =
+        std::all_of(diskName.begin(), diskName.end(), [](char byte) { return byte >= ' ' && byte <= '~' && byte != '/' && byte != '\\'; });
     return isPrintable && !diskName.empty() && diskName.size() <= longestShortName && diskName != "." && diskName != "..";
 }
 
@@ -84,22 +86,25 @@ std::size_t extensionStart(const Text &text)
 std::string shortExtension(std::u16string_view name)
 {
     std::string extension;
-    bool isText = systemTextFromUnicode(name.substr(extensionStart(name)), extension);
+    bool isText = systemTextFromUnicode(name.substr(extensionStart(name)), extension) && extension.size() <= longestExtension;
     return isText && extension.find_first_of(std::string_view(":\0", 2)) == std::string::npos ? extension : std::string();
 }
 
-// The first `length` characters in the system's encoding, '_' for each that it lacks or that no name may hold.
+// As many characters as fit into `length` bytes of the system's encoding, '_' for each that it lacks or that no name may hold.
 std::string shortBeginning(std::u16string_view name, std::size_t length)
 {
     std::string beginning;
-    for (std::size_t index = 0; index < name.size() && beginning.size() < length;)
+    for (std::size_t next = 0; next < name.size();)
     {
+        const std::size_t start = next;
         UChar32 character;
-        U16_NEXT(name.data(), index, name.size(), character);
-        UInt8 byte = '_';
-        if (character != 0 && character != ':' && !U_IS_SUPPLEMENTARY(character))
-            systemByteFromUnicode(static_cast<UniChar>(character), byte);
-        beginning.push_back(static_cast<char>(byte));
+        U16_NEXT(name.data(), next, name.size(), character);
+        std::string code = "_";
+        if (character != 0 && character != ':')
+            systemTextFromUnicode(name.substr(start, next - start), code);
+        if (code.size() > length - beginning.size())
+            break;
+        beginning += code;
     }
     return beginning;
 }
@@ -130,7 +135,7 @@ void hashedShortName(std::string_view diskName, int digits, Str63 name)
     const std::string hash = '#' + hashDigits(diskName, std::clamp(digits, fewestHashDigits, mostHashDigits));
     const std::u16string whole = composedNameOf(diskName);
     const std::string extension = shortExtension(whole);
-    const std::u16string_view stem = std::u16string_view(whole).substr(0, whole.size() - extension.size());
+    const std::u16string_view stem = std::u16string_view(whole).substr(0, extension.empty() ? whole.size() : extensionStart(whole));
     const std::string beginning = shortBeginning(stem, longestShortName - hash.size() - extension.size());
     copyToPascal(beginning + hash + extension, name);
 }

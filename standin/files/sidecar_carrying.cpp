@@ -95,6 +95,20 @@ OSErr carrySidecar(const SidecarPlace &from, const SidecarPlace &to, bool &carri
     return result;
 }
 
+OSErr renameWithSidecar(const Object &object, int folder, const std::string &name)
+{
+    const SidecarPlace from{object.folder->number(), object.name, object.status};
+    const SidecarPlace to{folder, name, object.status};
+    bool carried = false;
+    if (!object.sidecarIsAbsent)
+        if (OSErr result = carrySidecar(from, to, carried))
+            return result;
+    const int failure = linux_calls::renameWithoutReplacing(from.folder, from.name.c_str(), to.folder, to.name.c_str());
+    if (carried)
+        dropSidecarName(failure ? to : from);
+    return resultFromErrno(-failure);
+}
+
 void removeSidecar(const SidecarPlace &place)
 {
     Sidecar sidecar;

@@ -25,6 +25,12 @@ enum SidecarEntryID : std::uint32_t
     kOwnEntry = 0x805A5242,   // our own record (attribute_format.h), where the disk has no attributes
 };
 
+// What file servers note of the very file that a sidecar belongs to: device, inode, stamp and ID. It is wrong for any other file.
+constexpr bool isPrivateEntry(std::uint32_t id)
+{
+    return id == 0x80444556 || id == 0x80494E4F || id == 0x8053594E || id == 0x8053567E;
+}
+
 constexpr std::size_t sidecarHeaderSize = 26;
 constexpr std::size_t sidecarDescriptorSize = 12;
 constexpr std::size_t mostSidecarEntries = 64;   // more than any writer makes; a table with more is refused

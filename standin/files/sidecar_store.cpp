@@ -20,11 +20,6 @@ constexpr std::size_t headSize = 1024;   // one read has the table and, in most 
 constexpr std::size_t blankForkSize = 286;
 constexpr std::size_t smallEntrySize = 64;             // no entry that we read or write at once is longer
 constexpr std::uint64_t largestSmallEntry = 1 << 24;   // more than any writer's entry but the fork
-constexpr SidecarFiller ownFiller = {};
-constexpr std::size_t fillerOffset = 8;
-
-// Says that a file took its copy of this sidecar elsewhere: without a file of its own it is a leftover.
-constexpr SidecarFiller copiedFiller = {'z', 'e', 'r', 'b', ':', ' ', 'c', 'o', 'p', 'i', 'e', 'd', ' ', ' ', ' ', ' '};
 
 std::string sidecarName(const SidecarPlace &place)
 {
@@ -80,13 +75,13 @@ SidecarState readHead(Sidecar &sidecar)
 int markAsCopied(const Sidecar &sidecar)
 {
     const bool isMarked = sidecar.status.links > 1 && sidecar.layout.filler == ownFiller;
-    return isMarked ? linux_calls::writeAt(sidecar.file.number(), copiedFiller, fillerOffset) : 0;
+    return isMarked ? linux_calls::writeAt(sidecar.file.number(), copiedFiller, sidecarFillerOffset) : 0;
 }
 
 // Who writes to a sidecar has it for himself again.
 int unmark(const Sidecar &sidecar)
 {
-    return sidecar.layout.filler == copiedFiller ? linux_calls::writeAt(sidecar.file.number(), ownFiller, fillerOffset) : 0;
+    return sidecar.layout.filler == copiedFiller ? linux_calls::writeAt(sidecar.file.number(), ownFiller, sidecarFillerOffset) : 0;
 }
 
 // Writes a sidecar's head and, where there is an old one, its fork behind it. The temporary is then given the sidecar's name.
@@ -237,14 +232,15 @@ OSErr rebuild(const SidecarPlace &place, const Sidecar &sidecar, std::span<const
     return head.empty() ? static_cast<OSErr>(ioErr) : writeAnew(place, head, &sidecar, forkLength);
 }
 
-// The fork's bytes are the last ones of the file, so that more may follow them. One that was left blank on purpose is written over.
+// The fork's bytes are the last ones of the file, so that more may follow them; not even an entry without bytes begins behind them, where the file may come
+// to end. One that was left blank on purpose is written over.
 bool forkCanGrow(const Sidecar &sidecar)
 {
     const SidecarEntry *fork = sidecar.layout.find(kResourceForkEntry);
     if (!fork || (fork->length > 0 && sidecar.forkLength() == 0))
         return false;
     return std::all_of(sidecar.layout.entries.begin(), sidecar.layout.entries.end(), [&](const SidecarEntry &entry) {
-        return &entry == fork || entry.length == 0 || entry.offset + entry.length <= fork->offset;
+        return &entry == fork || entry.offset + entry.length <= fork->offset;
     });
 }
 
@@ -287,9 +283,10 @@ SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &si
     if (!hasRoomForSidecar(place.name))
         return SidecarState::absent;
     const int opened = linux_calls::openAt(place.folder, sidecarName(place).c_str(), (forWriting ? O_RDWR : O_RDONLY) | O_NONBLOCK);
+    sidecar = {};
+    sidecar.failure = std::min(opened, 0);
     if (opened < 0)
         return stateAfter(opened);
-    sidecar = {};
     sidecar.file = Descriptor(opened);
     return readHead(sidecar);
 }

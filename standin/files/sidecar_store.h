@@ -12,6 +12,11 @@
 namespace standin
 {
 
+// Says in a sidecar's filler that a file took its copy of it elsewhere, or that its file has not come yet: without a file of its own it is a leftover.
+constexpr SidecarFiller copiedFiller = {'z', 'e', 'r', 'b', ':', ' ', 'c', 'o', 'p', 'i', 'e', 'd', ' ', ' ', ' ', ' '};
+constexpr SidecarFiller ownFiller = {};
+constexpr std::size_t sidecarFillerOffset = 8;
+
 // The file that a sidecar belongs to.
 struct SidecarPlace
 {
@@ -28,6 +33,7 @@ struct Sidecar
     std::vector<std::uint8_t> head;         // the first bytes of the file: at least the table
     std::vector<SidecarPiece> behindHead;   // the beginnings of the small entries that lie further behind
     bool forkIsBlank = false;               // on purpose
+    int failure = 0;                        // where the state is `failing` because it could not even be opened: the negative errno
 
     std::uint64_t forkLength() const;   // 0 if there is none, or one that was left blank on purpose
 

@@ -1,7 +1,9 @@
 #include "standin/files/temporary_files.h"
 
+#include "standin/files/linux_copies.h"
 #include "standin/files/listings.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <fcntl.h>
@@ -46,6 +48,22 @@ int TemporaryFile::make(int folder, std::uint32_t mode)
     }
     file_ = Descriptor(opened);
     return 0;
+}
+
+int TemporaryFile::makeSymbolicLink(int folder, const char *target)
+{
+    int result;
+    folder_ = folder;
+    do
+    {
+        hiddenName_ = freshHiddenName();
+        result = linux_calls::makeSymbolicLink(target, folder, hiddenName_.c_str());
+    } while (result == -EEXIST);
+    if (result < 0)
+        hiddenName_.clear();
+    else
+        file_ = Descriptor(linux_calls::openAt(folder, hiddenName_.c_str(), O_PATH));
+    return result < 0 ? result : std::min(file_.number(), 0);
 }
 
 int TemporaryFile::giveHiddenName()

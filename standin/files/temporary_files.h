@@ -19,6 +19,7 @@ public:
     ~TemporaryFile();
 
     int make(int folder, std::uint32_t mode);
+    int makeSymbolicLink(int folder, const char *target);   // always with a hidden name; its descriptor is an O_PATH one
     int descriptor() const { return file_.number(); }
 
     int appear(const char *name);    // under a free name; -EEXIST if it is taken

@@ -41,13 +41,13 @@ VolumeTable &table()
     return volumes;
 }
 
-// Births change on overlay with the first write, and are made up or missing on network and FUSE disks.
-bool hasStableBirths(int root, const ObjectStatus &status)
+// Inode numbers and births change on overlay with the first write, and are made up or missing on network and FUSE disks.
+bool keepsInodes(int root)
 {
     constexpr std::int64_t fuse = 0x65735546, smb2 = 0xFE534D42, cifs = 0xFF534D42, plan9 = 0x01021997, ceph = 0x00C36400, afs = 0x5346414F;
     static constexpr std::int64_t unstable[] = {
         OVERLAYFS_SUPER_MAGIC, NFS_SUPER_MAGIC, SMB_SUPER_MAGIC, fuse, smb2, cifs, plan9, ceph, afs};
-    return status.hasBirth && std::find(std::begin(unstable), std::end(unstable), linux_calls::diskKind(root)) == std::end(unstable);
+    return std::find(std::begin(unstable), std::end(unstable), linux_calls::diskKind(root)) == std::end(unstable);
 }
 
 bool hasTrueListings(int root)
@@ -81,7 +81,8 @@ OSErr openVolume(const std::string &directory, const VolumeOptions &options, std
         return dirNFErr;
     made->path = withoutSlashesAtEnd(linux_calls::pathOf(root.number()));
     made->trustsListings = hasTrueListings(root.number());
-    made->comparesBirths = hasStableBirths(root.number(), made->rootStatus);
+    made->hasStableInodes = keepsInodes(root.number());
+    made->comparesBirths = made->hasStableInodes && made->rootStatus.hasBirth;
     made->hasAttributes = linux_calls::getAttribute(root.number(), ".", ownAttributeName, {}) != -EOPNOTSUPP;
     made->options = options;
     made->softwareLocked = options.locked;

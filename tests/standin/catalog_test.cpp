@@ -350,8 +350,15 @@ void readEverything(const FSRef &ref)
     {
         forkOf(ref, false);
         SInt16 fork = 0;
+        SInt64 size = 0;
         if (openFork(ref, true, fsRdPerm, fork) == noErr)
+        {
+            FSGetForkSize(fork, &size);
             FSCloseFork(fork);
+        }
+        CatPositionRec position{};
+        while (FSIterateForks(&ref, &position, &name, &size, nullptr) == noErr)
+            continue;
     }
 }
 
@@ -373,6 +380,13 @@ TEST_P(Catalog, ReadingNeverWrites)
         readEverything(childOf(parent, name));
     infoOf(childOf(parent, "link"));
     infoOf(childOf(parent, "damaged"), kFSCatInfoDataSizes);
+    for (const char *name : {"link", "damaged"})
+    {
+        FSRef ref = childOf(parent, name);
+        CatPositionRec position{};
+        EXPECT_EQ(FSIterateForks(&ref, &position, nullptr, nullptr, nullptr), noErr);
+        EXPECT_EQ(FSIterateForks(&ref, &position, nullptr, nullptr, nullptr), errFSNoMoreItems);
+    }
     EXPECT_EQ(pictureOf(folder().path()), before);
 }
 

@@ -1,6 +1,7 @@
 // Every kind of change to a disk, each in a small scene of its own, for tests that have it go wrong half-way.
 #pragma once
 
+#include "tests/standin/copies.h"
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
@@ -47,6 +48,9 @@ struct Change
     bool itemByItem = false;
 
     std::vector<Stop> stops{};   // where it may stop on the way
+
+    // Of an exchange: a disk that offers none is left out. Where it has no room for an attribute, some is made and it is written again.
+    bool isExchange = false;
 };
 
 inline void makeOld(const std::string &path)
@@ -205,6 +209,46 @@ inline void removeOnlyTheFile(const std::string &directory)
     EXPECT_EQ(unlink((directory + "/file").c_str()), 0);
 }
 
+inline void makeSecondPlainFile(const std::string &directory)
+{
+    writeOldFile(directory + "/foreign", "other plain data");
+    EXPECT_EQ(setRecord(refAt(directory + "/foreign"), wholeRecord, 2), noErr);
+    makeOld(directory + "/foreign");
+}
+
+inline void parkThePlainFile(const std::string &directory)
+{
+    EXPECT_EQ(::rename((directory + "/plain").c_str(), (directory + "/plain.exchanging").c_str()), 0);
+}
+
+// The file with the fork stands where nothing had any metadata.
+inline void parkThePlainFileAndReplaceIt(const std::string &directory)
+{
+    parkThePlainFile(directory);
+    EXPECT_EQ(::rename((directory + "/file").c_str(), (directory + "/plain").c_str()), 0);
+    EXPECT_EQ(::rename((directory + "/._file").c_str(), (directory + "/._plain").c_str()), 0);
+    FSRef ref = refAt(directory + "/plain");
+    FSCatalogInfo info{};
+    info.createDate = infoOf(refAt(directory + "/plain.exchanging")).createDate;
+    EXPECT_EQ(change(ref, wholeRecord & ~static_cast<FSCatalogInfoBitmap>(kFSCatInfoContentMod), info), noErr);
+}
+
+// The first of two files that change places has made room.
+inline void parkTheFile(const std::string &directory)
+{
+    EXPECT_EQ(::rename((directory + "/file").c_str(), (directory + "/file.exchanging").c_str()), 0);
+    EXPECT_EQ(::rename((directory + "/._file").c_str(), (directory + "/._file.exchanging").c_str()), 0);
+}
+
+// The second one has taken its place, and shows the metadata of that place.
+inline void parkTheFileAndReplaceIt(const std::string &directory)
+{
+    parkTheFile(directory);
+    EXPECT_EQ(::rename((directory + "/plain").c_str(), (directory + "/file").c_str()), 0);
+    EXPECT_EQ(setRecord(refAt(directory + "/file"), wholeRecord, 0), noErr);
+    makeOld(directory + "/file");
+}
+
 // --- the changes ------------------------------------------------------------------------------------------------------------------------------
 
 inline OSErr setFork(const FSRef &ref, SInt64 size)
@@ -226,6 +270,50 @@ inline OSErr appendToFork(const FSRef &ref, const Bytes &bytes)
     ByteCount written = 0;
     OSErr result = FSWriteFork(fork, fsFromLEOF, 0, static_cast<ByteCount>(bytes.size()), bytes.data(), &written);
     EXPECT_TRUE(result != noErr || written == bytes.size());
+    EXPECT_EQ(FSCloseFork(fork), noErr);
+    return result;
+}
+
+inline OSErr moveAndRename(const FSRef &ref, const FSRef &folder, std::string_view name)
+{
+    HParamBlockRec block{};
+    FSSpec spec{};
+    FSCatalogInfo info{};
+    Str255 newName{};
+    newName[0] = static_cast<UInt8>(name.size());
+    std::copy(name.begin(), name.end(), newName + 1);
+    OSErr result = FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr);
+    if (result == noErr)
+        result = FSGetCatalogInfo(&folder, kFSCatInfoNodeID, &info, nullptr, nullptr, nullptr);
+    if (result != noErr)
+        return result;
+    block.copyParam.ioVRefNum = spec.vRefNum;
+    block.copyParam.ioDirID = spec.parID;
+    block.copyParam.ioNamePtr = spec.name;
+    block.copyParam.ioNewDirID = static_cast<SInt32>(info.nodeID);
+    block.copyParam.ioCopyName = newName;
+    return PBHMoveRenameSync(&block);
+}
+
+// Over what is there, in one step.
+inline OSErr overwriteFork(const FSRef &ref)
+{
+    SInt16 fork = 0;
+    if (OSErr result = openFork(ref, true, fsRdWrPerm, fork))
+        return result;
+    ByteCount written = 0;
+    OSErr result = FSWriteFork(fork, fsFromStart, 0, 7, "changed", &written);
+    EXPECT_TRUE(result != noErr || written == 7);
+    EXPECT_EQ(FSCloseFork(fork), noErr);
+    return result;
+}
+
+inline OSErr setDataSize(const FSRef &ref, SInt64 size)
+{
+    SInt16 fork = 0;
+    if (OSErr result = openFork(ref, false, fsRdWrPerm, fork))
+        return result;
+    OSErr result = FSSetForkSize(fork, fsFromStart, size);
     EXPECT_EQ(FSCloseFork(fork), noErr);
     return result;
 }
@@ -256,6 +344,11 @@ constexpr Stop orphanIsAside{moveOrphanAside, WhenStopped::failed, "an orphan in
 constexpr Stop fileIsMade{makeNewFile, WhenStopped::cutOff, "the new file is there, and the record comes piece by piece"};
 constexpr Stop folderIsMade{makeNewFolder, WhenStopped::cutOff, "the same for a folder"};
 constexpr Stop orphanIsAsideAndFileMade{moveOrphanAsideAndMakeFile, WhenStopped::cutOff, "both"};
+
+constexpr Stop fileIsParked{parkTheFile, WhenStopped::cutOff, "a file that makes room is whole under its temporary name"};
+constexpr Stop plainIsParked{parkThePlainFile, WhenStopped::cutOff, "the same for a file without anything"};
+constexpr Stop plainIsParkedAndReplaced{parkThePlainFileAndReplaceIt, WhenStopped::cutOff, "the same"};
+constexpr Stop fileIsParkedAndReplaced{parkTheFileAndReplaceIt, WhenStopped::cutOff, "the same, with the other file in its place already"};
 
 inline const std::vector<Change> &everyChange()
 {
@@ -302,10 +395,31 @@ inline const std::vector<Change> &everyChange()
         {"Move", nullptr, [](Scene &s) { return move(s.file, s.other); }},
         {"MoveFolder", nullptr, [](Scene &s) { return move(s.folder, s.other); }},
         {"MoveToATakenName", takeTheName, [](Scene &s) { return move(s.file, s.other); }, dupFNErr},
+        {"MoveAndRename", nullptr, [](Scene &s) { return moveAndRename(s.file, s.other, "renamed"); }},
+        {"Exchange",
+         nullptr,
+         [](Scene &s) { return FSExchangeObjects(&s.file, &s.plain); },
+         noErr,
+         false,
+         {fileIsParked, fileIsParkedAndReplaced},
+         true},
+        {"ExchangeTheOtherWay", nullptr, [](Scene &s) { return FSExchangeObjects(&s.plain, &s.file); }, noErr, false, {plainIsParked, plainIsParkedAndReplaced}, true},
+        {"ExchangeWithoutSidecars", makeSecondPlainFile, [](Scene &s) { return FSExchangeObjects(&s.plain, &s.foreign); }, noErr, false, {}, true},
+        {"ExchangeWithALockedFile", lockTheFile, [](Scene &s) { return FSExchangeObjects(&s.plain, &s.file); }, fLckdErr, false, {}, true},
+        {"Copy", nullptr, [](Scene &s) { return copyFile(s.file, s.other); }},
+        {"CopyUnderAnotherName", nullptr, [](Scene &s) { return copyFile(s.file, s.root, "copy"); }},
+        {"CopyAPlainFile", nullptr, [](Scene &s) { return copyFile(s.plain, s.other); }},
+        {"CopyALockedFile", lockTheFile, [](Scene &s) { return copyFile(s.file, s.other); }},
+        {"CopyBesideAForeignSidecar", bringForeignSidecar, [](Scene &s) { return copyFile(s.foreign, s.other); }},
+        {"CopyToATakenName", takeTheName, [](Scene &s) { return copyFile(s.file, s.other); }, dupFNErr},
+        {"CopyToTheNameOfAnOrphan", bringOrphan, [](Scene &s) { return copyFile(s.file, s.root, "new"); }, noErr, false, {orphanIsAside}},
         {"WriteNewFork", nullptr, [](Scene &s) { return appendToFork(s.plain, bytesOf("new fork")); }},
         {"SetSizeOfNewFork", nullptr, [](Scene &s) { return setFork(s.plain, 5); }},
         {"GrowFork", nullptr, [](Scene &s) { return setFork(s.file, 5000); }},
         {"ShrinkFork", nullptr, [](Scene &s) { return setFork(s.file, 100); }},
+        {"OverwriteFork", nullptr, [](Scene &s) { return overwriteFork(s.file); }},
+        {"GrowData", nullptr, [](Scene &s) { return setDataSize(s.file, 5000); }, noErr, true},
+        {"ShrinkData", nullptr, [](Scene &s) { return setDataSize(s.file, 2); }, noErr, true},
         {"AppendToFork", nullptr, [](Scene &s) { return appendToFork(s.file, bytesOf("more")); }},
         {"AppendToForkThatMustMove", bringForeignSidecar, [](Scene &s) { return appendToFork(s.foreign, bytesOf("more")); }},
         {"AppendToForkThatWasLeftBlank", bringBlankSidecar, [](Scene &s) { return appendToFork(s.foreign, bytesOf("more")); }},

@@ -112,6 +112,20 @@ OSErr readFork(const ReadingScene &scene, Answer &answer)
     return noErr;
 }
 
+OSErr iterateForks(const ReadingScene &scene, Answer &answer)
+{
+    CatPositionRec position{};
+    SInt64 size = 0;
+    OSErr result = FSIterateForks(&scene.file, &position, nullptr, &size, nullptr);
+    if (result != noErr)
+        return result;
+    answer["data fork"] = std::to_string(size);
+    result = FSIterateForks(&scene.file, &position, nullptr, &size, nullptr);
+    if (result == noErr)
+        answer["resource fork"] = std::to_string(size);
+    return result;
+}
+
 // Everything of each item of the scene's folder, three at a time.
 OSErr walk(const ReadingScene &scene, Answer &answer)
 {
@@ -146,6 +160,7 @@ const Reading readings[] = {
     {"NameToReference", nameToReference},
     {"SpecToReference", specToReference},
     {"ReadFork", readFork},
+    {"IterateForks", iterateForks},
     {"Walk", walk},
 };
 

@@ -23,6 +23,8 @@ protected:
         if (!disk.problem.empty())
             GTEST_SKIP() << disk.problem;
         folder_.emplace(disk);
+        if (change().isExchange && !offersExchange(refAt(folder_->path())))
+            GTEST_SKIP() << "files are not exchanged on this disk";
         before_ = pictureAfter([](const std::string &) {});
         after_ = pictureAfter([this](const std::string &directory) {
             Scene scene = sceneIn(directory);

@@ -2,10 +2,12 @@
 #include "tests/standin/test_volume.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <set>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -233,7 +235,8 @@ bool saysChanged(FSIterator iterator)
     return changed != 0;
 }
 
-TEST_P(Listings, AChangeOfTheFolderIsTold)
+// The disk is not asked with each object, but it is with the last one.
+TEST_P(Listings, AChangeOfTheFolderIsToldWithTheLastObjectAtTheLatest)
 {
     makeFiles(5);
     makeFolderOld(folder().path());
@@ -242,11 +245,35 @@ TEST_P(Listings, AChangeOfTheFolderIsTold)
     writeFile(folder() / "file0", "other bytes of a file are no change of its folder");
     EXPECT_FALSE(saysChanged(iterator));
     unlink((folder() / "file1").c_str());
+    saysChanged(iterator);
+    saysChanged(iterator);
     EXPECT_TRUE(saysChanged(iterator));
     EXPECT_TRUE(saysChanged(iterator)) << "and stays told";
     EXPECT_FALSE(saysChanged(OpenIterator(folderRef()))) << "a new iterator knows the folder as it is now";
 }
 
+TEST_P(Listings, AnUnchangedFolderIsNeverSaidToHaveChanged)
+{
+    makeFiles(9);
+    OpenIterator iterator(folderRef());
+    for (int step = 0; step < 11; ++step)
+        EXPECT_FALSE(saysChanged(iterator)) << step;
+}
+
+TEST_P(Listings, AChangeIsToldBeforeTheEndIfSomeTimeHasPassed)
+{
+    makeFiles(20);
+    makeFolderOld(folder().path());
+    OpenIterator iterator(folderRef());
+    unlink((folder() / "file1").c_str());
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    bool told = false;
+    for (int step = 0; step < 8; ++step)
+        told |= saysChanged(iterator);
+    EXPECT_TRUE(told);
+}
+
+// Unless the listing itself has all that is asked for: then nobody looks whether an object is still there.
 TEST_P(Listings, WhatIsMadeLaterIsNotSeenAndWhatIsGoneIsPassedOver)
 {
     makeFiles(4);
@@ -256,7 +283,7 @@ TEST_P(Listings, WhatIsMadeLaterIsNotSeenAndWhatIsGoneIsPassedOver)
     FSCatalogInfo infos[6]{};
     HFSUniStr255 names[6]{};
     ItemCount count = 0;
-    EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 6, &count, nullptr, kFSCatInfoNodeFlags, infos, nullptr, nullptr, names), errFSNoMoreItems);
+    EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 6, &count, nullptr, kFSCatInfoContentMod, infos, nullptr, nullptr, names), errFSNoMoreItems);
     Names list;
     for (ItemCount i = 0; i < count; ++i)
         list.push_back(plain(names[i]));

@@ -292,13 +292,16 @@ TEST_P(Metadata, ALockThatOthersWroteIsALock)
 TEST_P(Metadata, LockedObjectsRefuseEveryChange)
 {
     mkdir((folder() / "inner").c_str(), 0755);
-    FSRef ref = fileRef(), inner = refAt(folder() / "inner");
+    FSRef ref = fileRef(), other = fileRef("other"), inner = refAt(folder() / "inner");
     ASSERT_EQ(writeFork(ref, true, {1, 2, 3}), noErr);
     ASSERT_EQ(setLock(ref, true), noErr);
     std::string before = pictureOf(folder().path());
     EXPECT_EQ(FSDeleteObject(&ref), fLckdErr);
     EXPECT_EQ(rename(ref, "renamed"), fLckdErr);
     EXPECT_EQ(move(ref, inner), fLckdErr);
+    OSErr refusal = offersExchange(ref) ? fLckdErr : paramErr;
+    EXPECT_EQ(FSExchangeObjects(&ref, &other), refusal);
+    EXPECT_EQ(FSExchangeObjects(&other, &ref), refusal);
     for (FSCatalogInfoBitmap field : {kFSCatInfoTextEncoding, kFSCatInfoCreateDate, kFSCatInfoContentMod, kFSCatInfoBackupDate,
                                       kFSCatInfoPermissions, kFSCatInfoFinderInfo, kFSCatInfoFinderXInfo})
         EXPECT_EQ(change(ref, field, fileRecord()), fLckdErr) << field;

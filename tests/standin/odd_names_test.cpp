@@ -262,6 +262,66 @@ TEST_P(OddNames, NewNamesAreComposedAndFoundInEitherForm)
                          "ber");
 }
 
+struct MadeName
+{
+    std::u16string name;    // as it is asked for
+    std::string diskName;   // as it is stored: composed
+};
+
+std::string repeated(const std::string &text, int count)
+{
+    std::string result;
+    while (count-- > 0)
+        result += text;
+    return result;
+}
+
+const std::vector<MadeName> &namesToMake()
+{
+    static const std::vector<MadeName> names{
+        {u"\u65E5\u672C\u8A9E \u304B\u3099", "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E \xE3\x81\x8C"},
+        {u"\u041F\u0440\u0438\u0432\u0435\u0442 \u0438\u0306", "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82 \xD0\xB9"},
+        {u"\u0395\u03BB\u03BB\u03AC\u03C2", "\xCE\x95\xCE\xBB\xCE\xBB\xCE\xAC\xCF\x82"},
+        {u"\u1112\u1161\u11AB\uAE00", "\xED\x95\x9C\xEA\xB8\x80"},
+        {u"\u4E2D\u6587 \U0001F600", "\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x98\x80"},
+        {{u'a', 0xD83D, u'b'},
+         "a\xED\xA0\xBD"
+         "b"},
+        {{u'a', 0xDC80}, "a\x80"},
+        {u"re\u0301sum\u00E9", "r\xC3\xA9sum\xC3\xA9"},
+        {std::u16string(31, u'n'), std::string(31, 'n')},
+        {std::u16string(32, u'n'), std::string(32, 'n')},
+        {std::u16string(31, u'\u00E9'), repeated("\xC3\xA9", 31)},
+        {std::u16string(32, u'\u00E9'), repeated("\xC3\xA9", 32)},
+        {std::u16string(255, u'x'), std::string(255, 'x')},
+    };
+    return names;
+}
+
+TEST_P(OddNames, ThatAreMadeAreFoundEveryWay)
+{
+    FSRef parent = folderRef();
+    std::vector<std::string> diskNames;
+    for (const MadeName &row : namesToMake())
+    {
+        SCOPED_TRACE(printable(row.diskName));
+        const std::vector<UniChar> name(row.name.begin(), row.name.end());
+        FSRef made{};
+        ASSERT_EQ(
+            FSCreateFileUnicode(&parent, static_cast<UniCharCount>(name.size()), name.data(), kFSCatInfoNone, nullptr, &made, nullptr),
+            noErr);
+        EXPECT_EQ(pathOf(made), folder() / row.diskName);
+        make(row.diskName);
+        EXPECT_EQ(forkOf(made, false), bytesOf(row.diskName));
+        FSRef asAskedFor{};
+        ASSERT_EQ(findChild(parent, name, asAskedFor), noErr);
+        EXPECT_EQ(forkOf(asAskedFor, false), bytesOf(row.diskName));
+        expectReachable(row.diskName);
+        diskNames.push_back(row.diskName);
+    }
+    expectAllListed(diskNames);
+}
+
 TEST_P(OddNames, NamesThatCannotBeAreRefused)
 {
     FSRef parent = folderRef(), ref{};

@@ -273,6 +273,9 @@ void expectRefused(const FSRef &bad, const FSRef &folder)
     EXPECT_EQ(FSOpenIterator(&bad, kFSIterateFlat, &iterator), errFSBadFSRef);
     EXPECT_EQ(FSDeleteObject(&bad), errFSBadFSRef);
     EXPECT_EQ(FSMoveObject(&bad, &folder, &out), errFSBadFSRef);
+    EXPECT_EQ(FSMoveObject(&folder, &bad, &out), errFSBadFSRef);
+    EXPECT_EQ(FSExchangeObjects(&bad, &folder), errFSBadFSRef);
+    EXPECT_EQ(FSExchangeObjects(&folder, &bad), errFSBadFSRef);
     EXPECT_EQ(FSRenameUnicode(&bad, length, name.data(), kTextEncodingUnknown, &out), errFSBadFSRef);
     EXPECT_EQ(FSCreateFileUnicode(&bad, length, name.data(), kFSCatInfoNone, nullptr, &out, nullptr), errFSBadFSRef);
     EXPECT_EQ(FSCreateDirectoryUnicode(&bad, length, name.data(), kFSCatInfoNone, nullptr, &out, nullptr, nullptr), errFSBadFSRef);

@@ -41,6 +41,7 @@ int waitForTests()
 int runTests(int argumentCount, char **arguments)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    setenv("LC_ALL", "C", 1);   // short names are in the encoding that the locale decides
     support::takeOwnMounts();
     testing::InitGoogleTest(&argumentCount, arguments);
     return RUN_ALL_TESTS();

@@ -214,6 +214,17 @@ bool isLocked(const FSRef &ref)
     return (infoOf(ref, kFSCatInfoNodeFlags).nodeFlags & kFSNodeLockedMask) != 0;
 }
 
+bool offersExchange(const FSRef &ref)
+{
+    HParamBlockRec block{};
+    GetVolParmsInfoBuffer parameters{};
+    block.ioParam.ioVRefNum = infoOf(ref, kFSCatInfoVolume).volume;
+    block.ioParam.ioBuffer = reinterpret_cast<Ptr>(&parameters);
+    block.ioParam.ioReqCount = sizeof parameters;
+    EXPECT_EQ(PBHGetVolParmsSync(&block), noErr);
+    return (parameters.vMExtendedAttributes & 1 << bSupportsFSExchangeObjects) != 0;
+}
+
 OSErr makeFile(const FSRef &folder, std::string_view name, FSRef *made)
 {
     std::vector<UniChar> list = units(name);

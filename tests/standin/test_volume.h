@@ -67,6 +67,9 @@ OSErr makeFolder(const FSRef &folder, std::string_view name, FSRef *made = nullp
 OSErr rename(FSRef &ref, std::string_view name);   // `ref` becomes the new reference
 OSErr move(FSRef &ref, const FSRef &folder);
 
+// Volumes
+bool offersExchange(const FSRef &ref);   // whether the object's volume says that it exchanges files
+
 // Forks
 std::vector<UniChar> resourceForkName();
 OSErr openFork(const FSRef &ref, bool resource, SInt8 permission, SInt16 &fork);

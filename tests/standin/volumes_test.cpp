@@ -4,6 +4,8 @@
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
+#include <algorithm>
+#include <cstring>
 #include <set>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -27,6 +29,27 @@ FSVolumeInfo volumeInfo(FSVolumeRefNum volume, HFSUniStr255 *name = nullptr, FSR
 FSVolumeRefNum volumeOf(const FSRef &ref)
 {
     return infoOf(ref, kFSCatInfoVolume).volume;
+}
+
+GetVolParmsInfoBuffer parametersOf(FSVolumeRefNum volume)
+{
+    GetVolParmsInfoBuffer parameters{};
+    HParamBlockRec block{};
+    block.ioParam.ioVRefNum = volume;
+    block.ioParam.ioBuffer = reinterpret_cast<Ptr>(&parameters);
+    block.ioParam.ioReqCount = sizeof parameters;
+    EXPECT_EQ(PBHGetVolParmsSync(&block), noErr);
+    EXPECT_EQ(block.ioParam.ioActCount, static_cast<SInt32>(sizeof parameters));
+    return parameters;
+}
+
+// Copying, moving with a new name, exchanging.
+std::string servicesOf(FSVolumeRefNum volume)
+{
+    GetVolParmsInfoBuffer parameters = parametersOf(volume);
+    std::string services = parameters.vMAttrib & 1 << bHasCopyFile ? "copy " : "";
+    services += parameters.vMAttrib & 1 << bHasMoveRename ? "move " : "";
+    return services + (parameters.vMExtendedAttributes & 1 << bSupportsFSExchangeObjects ? "exchange " : "");
 }
 
 std::string lastPart(const std::string &path)
@@ -76,9 +99,60 @@ TEST(Volumes, TheyAreCountedFromOne)
     EXPECT_EQ(FSGetVolumeInfo(12345, 0, nullptr, kFSVolInfoNone, nullptr, nullptr, nullptr), nsvErr);
 }
 
+TEST(Volumes, ParametersAreFilledAsFarAsTheyAreAskedFor)
+{
+    GetVolParmsInfoBuffer whole = parametersOf(volumeOf(refAt("/")));
+    EXPECT_EQ(+whole.vMVersion, 3);
+    EXPECT_EQ(+whole.vMMaxNameLength, 255u);
+    for (SInt32 asked : {0, 1, 2, 6, 14, 20, 24, 31, 32, 33, 1000000})
+    {
+        SCOPED_TRACE(asked);
+        SInt32 filled = std::min<SInt32>(asked, sizeof whole);
+        Bytes buffer(64, 0xEE), expected = buffer;
+        std::memcpy(expected.data(), &whole, static_cast<std::size_t>(filled));
+        HParamBlockRec block{};
+        block.ioParam.ioBuffer = reinterpret_cast<Ptr>(buffer.data());
+        block.ioParam.ioReqCount = asked;
+        EXPECT_EQ(PBHGetVolParmsSync(&block), noErr);
+        EXPECT_EQ(+block.ioParam.ioActCount, filled);
+        EXPECT_EQ(buffer, expected);
+    }
+}
+
+TEST(Volumes, ParametersOfNoVolumeOrIntoNoBufferAreRefused)
+{
+    HParamBlockRec block{};
+    GetVolParmsInfoBuffer parameters{};
+    block.ioParam.ioBuffer = reinterpret_cast<Ptr>(&parameters);
+    block.ioParam.ioReqCount = sizeof parameters;
+    block.ioParam.ioVRefNum = 12345;
+    EXPECT_EQ(PBHGetVolParmsSync(&block), nsvErr);
+    EXPECT_EQ(+block.ioParam.ioResult, nsvErr);
+    block.ioParam.ioVRefNum = 0;
+    block.ioParam.ioReqCount = -1;
+    EXPECT_EQ(PBHGetVolParmsSync(&block), paramErr);
+    block.ioParam.ioReqCount = sizeof parameters;
+    block.ioParam.ioBuffer = nullptr;
+    EXPECT_EQ(PBHGetVolParmsSync(&block), paramErr);
+    EXPECT_EQ(PBHGetVolParmsSync(nullptr), paramErr);
+    EXPECT_EQ(+parameters.vMVersion, 0);
+}
+
+const Role offersServices("offersServices", [](const RoleArguments &arguments) {
+    ASSERT_EQ(standin::useStartupVolume(arguments[0]), noErr);
+    EXPECT_EQ(servicesOf(volumeOf(refAt("/"))), arguments[1]);
+});
+
 class DiskVolumes : public DiskTest
 {
 };
+
+TEST_P(DiskVolumes, FilesAreExchangedWhereTheyCanBeMarkedAndKeepTheirInode)
+{
+    bool exchanges = disk().hasAttributes && GetParam() != DiskKind::overlay;
+    if (GetParam() != DiskKind::plain)   // of which nobody knows what it is
+        playRole("offersServices", {folder().path(), exchanges ? "copy move exchange " : "copy move "});
+}
 
 TEST_P(DiskVolumes, SizesAreTheDisksOwn)
 {
@@ -220,11 +294,16 @@ const Role findsVolumes("findsVolumesOfEnvironment", [](const RoleArguments &) {
     EXPECT_EQ(nodeOf(refAt("/Volumes/Second")), static_cast<UInt32>(fsRtDirID));
     EXPECT_TRUE(volumeInfo(second).flags & kFSVolFlagSoftwareLockedMask);
     EXPECT_FALSE(volumeInfo(third).flags & kFSVolFlagSoftwareLockedMask);
+    EXPECT_EQ(servicesOf(volumeOf(refAt("/"))), "copy move exchange ");
+    EXPECT_EQ(servicesOf(second), "move ");
+    EXPECT_EQ(servicesOf(third), "copy exchange ");
 });
 
 TEST(Volumes, TheEnvironmentNamesFurtherOnesAndTheirOptions)
 {
-    TemporaryFolder folder;
+    if (!diskOf(DiskKind::tmpfs).problem.empty() || !diskOf(DiskKind::tmpfs).hasAttributes)
+        GTEST_SKIP() << "no tmpfs with attributes: " << diskOf(DiskKind::tmpfs).problem;
+    TemporaryFolder folder(DiskKind::tmpfs);
     for (std::string name : {"Startup", "two", "three"})
         mkdir((folder / name).c_str(), 0755);
     writeFile(folder / "three/file");

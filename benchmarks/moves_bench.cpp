@@ -1,0 +1,210 @@
+// Renaming, moving and exchanging through references, beside the bare system calls on as many files: `./bench`, or this program itself.
+//
+// The folders lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp, whatever disk that is. The references come from a listing, as a walk's do.
+
+#include "benchmarks/ratio_table.h"
+#include "platform/platform.h"
+#include "standin/standin.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <linux/fs.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+constexpr std::size_t fileCount = 5000;
+
+void require(OSStatus result, const char *what)
+{
+    if (result == noErr)
+        return;
+    std::fprintf(stderr, "%s: %d\n", what, static_cast<int>(result));
+    std::exit(1);
+}
+
+FSRef refAt(const std::string &path)
+{
+    FSRef ref;
+    require(FSPathMakeRef(reinterpret_cast<const UInt8 *>(path.c_str()), &ref, nullptr), path.c_str());
+    return ref;
+}
+
+std::string nameOf(std::size_t number, bool isRenamed)
+{
+    return (isRenamed ? "renamed file " : "original file ") + std::to_string(number);
+}
+
+std::vector<UniChar> unitsOf(const std::string &text)
+{
+    return {text.begin(), text.end()};
+}
+
+// A directory of its own with two folders, one of them full of empty files; gone with the object.
+class Folders
+{
+public:
+    explicit Folders(const std::string &disk)
+    {
+        std::string pattern = disk + "/zerb-bench-XXXXXX";
+        if (!mkdtemp(pattern.data()))
+            throw std::runtime_error("no folder can be made in " + disk);
+        path_ = pattern;
+        for (const char *name : {"/one", "/two"})
+            std::filesystem::create_directory(path_ + name);
+        for (std::size_t number = 0; number < fileCount; ++number)
+            close(open((path_ + "/one/" + nameOf(number, false)).c_str(), O_CREAT | O_WRONLY, 0644));
+        one_ = open((path_ + "/one").c_str(), O_PATH | O_DIRECTORY);
+        two_ = open((path_ + "/two").c_str(), O_PATH | O_DIRECTORY);
+    }
+    ~Folders()
+    {
+        close(one_);
+        close(two_);
+        std::filesystem::remove_all(path_);
+    }
+    Folders(const Folders &) = delete;
+    Folders &operator=(const Folders &) = delete;
+
+    const std::string &path() const { return path_; }
+    int folder(bool isSecond) const { return isSecond ? two_ : one_; }
+
+    // As a listing gives them, in the order of their names.
+    std::vector<FSRef> listedReferences() const
+    {
+        const FSRef folder = refAt(path_ + "/one");
+        std::vector<FSRef> refs(fileCount), sorted(fileCount);
+        std::vector<HFSUniStr255> names(fileCount);
+        FSIterator iterator;
+        ItemCount count = 0;
+        require(FSOpenIterator(&folder, kFSIterateFlat, &iterator), "FSOpenIterator");
+        FSGetCatalogInfoBulk(iterator, fileCount, &count, nullptr, kFSCatInfoNone, nullptr, refs.data(), nullptr, names.data());
+        FSCloseIterator(iterator);
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            const std::string name(names[i].unicode, names[i].unicode + names[i].length);
+            sorted[std::stoul(name.substr(name.rfind(' ')))] = refs[i];
+        }
+        return sorted;
+    }
+
+private:
+    std::string path_;
+    int one_ = -1, two_ = -1;
+};
+
+// Which file is next, and whether it goes there or back.
+struct Round
+{
+    std::size_t next = 0;
+    bool isBack = false;
+
+    void advance()
+    {
+        next = (next + 1) % fileCount;
+        isBack ^= next == 0;
+    }
+};
+
+struct OurRound : Round
+{
+    explicit OurRound(const std::string &disk) : folders(disk), refs(folders.listedReferences()) {}
+
+    void rename()
+    {
+        const auto name = unitsOf(nameOf(next, !isBack));
+        FSRef &ref = refs[next];
+        require(FSRenameUnicode(&ref, static_cast<UniCharCount>(name.size()), name.data(), kTextEncodingUnknown, &ref), "FSRenameUnicode");
+        advance();
+    }
+
+    void move()
+    {
+        require(FSMoveObject(&refs[next], isBack ? &one : &two, &refs[next]), "FSMoveObject");
+        advance();
+    }
+
+    // Neighbours change places: the same two again in the next round.
+    void exchange()
+    {
+        require(FSExchangeObjects(&refs[next], &refs[(next + 1) % fileCount]), "FSExchangeObjects");
+        next = (next + 2) % fileCount;
+    }
+
+    Folders folders;
+    std::vector<FSRef> refs;
+    FSRef one = refAt(folders.path() + "/one"), two = refAt(folders.path() + "/two");
+};
+
+struct BareRound : Round
+{
+    explicit BareRound(const std::string &disk) : folders(disk) {}
+
+    void rename()
+    {
+        const std::string from = nameOf(next, isBack), to = nameOf(next, !isBack);
+        require(renameat2(folders.folder(false), from.c_str(), folders.folder(false), to.c_str(), RENAME_NOREPLACE), "renameat2");
+        advance();
+    }
+
+    void renameByPath()
+    {
+        const std::string folder = folders.path() + "/one/";
+        std::filesystem::rename(folder + nameOf(next, isBack), folder + nameOf(next, !isBack));
+        advance();
+    }
+
+    void move()
+    {
+        const std::string name = nameOf(next, false);
+        require(renameat2(folders.folder(isBack), name.c_str(), folders.folder(!isBack), name.c_str(), RENAME_NOREPLACE), "renameat2");
+        advance();
+    }
+
+    void exchange()
+    {
+        const std::string first = nameOf(next, false), second = nameOf((next + 1) % fileCount, false);
+        require(renameat2(folders.folder(false), first.c_str(), folders.folder(false), second.c_str(), RENAME_EXCHANGE), "renameat2");
+        next = (next + 2) % fileCount;
+    }
+
+    Folders folders;
+};
+
+void addRowsOn(const std::string &disk, const std::string &diskName)
+{
+    const auto ours = [&] { return std::make_shared<OurRound>(disk); };
+    const auto bare = [&] { return std::make_shared<BareRound>(disk); };
+    addRow(
+        {"rename, " + diskName, "renameat2", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->rename(); });
+    addRow(
+        {"rename, " + diskName, "std::filesystem", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->renameByPath(); });
+    addRow(
+        {"move, " + diskName, "renameat2", ""}, [mine = ours()] { mine->move(); }, [their = bare()] { their->move(); });
+    addRow(
+        {"exchange, " + diskName, "RENAME_EXCHANGE", "with all metadata kept at their places"}, [mine = ours()] { mine->exchange(); },
+        [their = bare()] { their->exchange(); });
+}
+
+std::string diskFolder()
+{
+    const char *chosen = std::getenv("TMPDIR");
+    return chosen ? chosen : "/var/tmp";
+}
+
+}   // namespace
+
+int main(int argumentCount, char **arguments)
+{
+    addRowsOn("/dev/shm", "tmpfs");
+    addRowsOn(diskFolder(), "disk");
+    return runRatioTable(argumentCount, arguments);
+}

@@ -1,0 +1,74 @@
+#include "standin/files/linux_copies.h"
+
+#include "standin/files/linux_repeated.h"
+
+#include <algorithm>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace standin::linux_calls
+{
+
+int shareBlocks(int from, int to)
+{
+    return repeated([&] { return ::ioctl(to, FICLONE, from); });
+}
+
+ssize_t copyRange(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
+{
+    auto source = static_cast<off64_t>(fromOffset), target = static_cast<off64_t>(toOffset);
+    return repeated([&] { return ::copy_file_range(from, &source, to, &target, length, 0); });
+}
+
+ssize_t sendBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
+{
+    auto source = static_cast<off_t>(fromOffset);
+    const auto placed = repeated([&] { return ::lseek(to, static_cast<off_t>(toOffset), SEEK_SET); });
+    return placed < 0 ? static_cast<ssize_t>(placed) : repeated([&] { return ::sendfile(to, from, &source, length); });
+}
+
+std::int64_t nextData(int descriptor, std::uint64_t offset)
+{
+    return repeated([&] { return ::lseek(descriptor, static_cast<off_t>(offset), SEEK_DATA); });
+}
+
+std::int64_t nextHole(int descriptor, std::uint64_t offset)
+{
+    return repeated([&] { return ::lseek(descriptor, static_cast<off_t>(offset), SEEK_HOLE); });
+}
+
+int flushToDisk(int descriptor)
+{
+    return repeated([&] { return ::fsync(descriptor); });
+}
+
+int makeSymbolicLink(const char *target, int folder, const char *name)
+{
+    return repeated([&] { return ::symlinkat(target, folder, name); });
+}
+
+int setModeOf(int descriptor, std::uint32_t mode)
+{
+    return repeated([&] { return ::fchmod(descriptor, static_cast<mode_t>(mode & 07777)); });
+}
+
+ssize_t listAttributesOf(int descriptor, std::span<char> names)
+{
+    return repeated([&] { return ::flistxattr(descriptor, names.data(), names.size()); });
+}
+
+ssize_t getAttributeOf(int descriptor, const char *attribute, std::span<std::uint8_t> value)
+{
+    return repeated([&] { return ::fgetxattr(descriptor, attribute, value.data(), value.size()); });
+}
+
+int setAttributeOf(int descriptor, const char *attribute, std::span<const std::uint8_t> value)
+{
+    return repeated([&] { return ::fsetxattr(descriptor, attribute, value.data(), value.size(), 0); });
+}
+
+}   // namespace standin::linux_calls

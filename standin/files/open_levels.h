@@ -1,0 +1,73 @@
+// The open iterators, one for each level of a walk or a deletion, and the descriptors of their folders.
+//
+// An iterator is a number dressed as a pointer, so that a wild one is told from an open one. One step at a time is made on each.
+//
+// A level keeps its folder open, but not more than 20 levels do, however deep a tree is: the one that was used least lately gives its descriptor up. It
+// gets one back when the level below it is closed: the way up is `..`, and what is there must be the very folder. So a walk never has to go down from the
+// root again, and a level far out takes no more than its record and what is left of its listing.
+#pragma once
+
+#include "platform/platform.h"
+#include "standin/files/directories.h"
+#include "standin/files/listings.h"
+#include "standin/files/reference_format.h"
+
+#include <memory>
+#include <mutex>
+
+namespace standin
+{
+
+struct Level
+{
+    VolumeHandle volume;
+    Identity identity;     // of the folder
+    ListedFolder listed;   // its ID, and when it was read: what is born later was not seen
+    std::timespec modification{};
+    Listing listing;
+    Listing::Position next, batch;   // batch: what the last step handed out begins here
+    std::uint32_t remaining = 0;     // entries not yet handed out
+    std::uint32_t batchCount = 0;
+    std::uint64_t changes = 0;   // how many this process had made in the folder when it was read
+    std::int64_t handedOutAt = 0, askedForChangeAt = 0;
+    OSErr failure = noErr;   // of reading the folder, told with the first step
+    bool deletes = false;
+    bool standsEmpty = false;   // a mount point, which is an empty folder; or a folder that is gone again
+    bool hasChanged = false, askedAtEnd = false;
+
+    // The table's own.
+    std::uintptr_t number = 0, above = 0;   // above: the level that this one was reached through, or 0
+    FolderHandle folder;
+    std::int64_t lastUse = 0;
+    Level *newer = nullptr, *older = nullptr;
+};
+
+// An open level while somebody makes a step on it; nothing where there is none.
+struct LockedLevel
+{
+    std::unique_lock<std::mutex> lock;
+    Level *level = nullptr;
+
+    explicit operator bool() const { return level != nullptr; }
+    Level &operator*() const { return *level; }
+    Level *operator->() const { return level; }
+};
+
+// Opens a level; `folder` is its descriptor, or null for a mount point.
+FSIterator openLevel(std::unique_ptr<Level> level, FolderHandle folder);
+LockedLevel findLevel(FSIterator iterator);
+bool closeLevel(FSIterator iterator);
+
+// The level, if there is one with an open descriptor, that reads a folder. `mustDelete`: only an iterator that was opened for deleting.
+LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete);
+
+// The descriptor of a folder that some level reads and used within the last second, or null.
+FolderHandle folderOfLevel(FSVolumeRefNum volume, UInt32 folderID);
+
+// The descriptor of a level's folder, found again if need be. Result: noErr or that of openFolder.
+OSErr openFolderOf(Level &level, FolderHandle &folder);
+
+// Whether the last step handed an object out that these fields name.
+bool wasHandedOut(const Level &level, const ReferenceFields &fields, ListedEntry &entry);
+
+}   // namespace standin

@@ -1,0 +1,79 @@
+// How many system calls a copy costs.
+#include "tests/standin/copies.h"
+
+#include <cstdio>
+#include <sys/stat.h>
+
+namespace
+{
+
+using namespace support;
+
+class CopyCosts : public DiskTest
+{
+protected:
+    static constexpr int fileCount = 50;
+
+    void SetUp() override
+    {
+        DiskTest::SetUp();
+        if (IsSkipped())
+            return;
+        mkdir((folder() / "copies").c_str(), 0755);
+        for (int i = 0; i < fileCount; ++i)
+            writeFile(folder() / nameOf(i), Bytes(4096, 'x'));
+    }
+    static std::string nameOf(int i) { return "file" + std::to_string(i); }
+
+    double callsFor(const char *what, void (*work)(CopyCosts &, const FSRef &source, const FSRef &to))
+    {
+        FSRef to = refAt(folder() / "copies");
+        std::uint64_t sum = 0;
+        for (int i = 0; i < fileCount; ++i)
+        {
+            FSRef source = refAt(folder() / nameOf(i));
+            std::uint64_t before = standin::systemCallCount();
+            work(*this, source, to);
+            sum += standin::systemCallCount() - before;
+        }
+        double each = static_cast<double>(sum) / fileCount;
+        std::printf("[   cost   ] %-9s %-58s %6.2f\n", nameOfKind(GetParam()).c_str(), what, each);
+        return each;
+    }
+
+public:
+    FSSpec spec{};
+    FSCatalogInfo target{};
+};
+
+void lookUp(CopyCosts &test, const FSRef &source, const FSRef &to)
+{
+    EXPECT_EQ(FSGetCatalogInfo(&source, kFSCatInfoNone, nullptr, nullptr, &test.spec, nullptr), noErr);
+    EXPECT_EQ(FSGetCatalogInfo(&to, kFSCatInfoVolume | kFSCatInfoNodeID, &test.target, nullptr, nullptr, nullptr), noErr);
+}
+
+void copyLookedUp(CopyCosts &test)
+{
+    HParamBlockRec block{};
+    block.copyParam.ioVRefNum = test.spec.vRefNum;
+    block.copyParam.ioDirID = test.spec.parID;
+    block.copyParam.ioNamePtr = test.spec.name;
+    block.copyParam.ioDstVRefNum = test.target.volume;
+    block.copyParam.ioNewDirID = static_cast<SInt32>(test.target.nodeID);
+    EXPECT_EQ(PBHCopyFileSync(&block), noErr);
+}
+
+// Opening, reading, writing, naming and closing; two looks for metadata and one for an orphan in the way; the lock.
+TEST_P(CopyCosts, AFileWithoutMetadataTakesFifteenCallsAndTwoForTheLooksBefore)
+{
+    double calls = callsFor("copying 4 KiB, with source and folder looked up", [](CopyCosts &test, const FSRef &source, const FSRef &to) {
+        lookUp(test, source, to);
+        copyLookedUp(test);
+    });
+    EXPECT_GT(calls, 6);
+    EXPECT_LE(calls, 17 + 6.0 / fileCount) << "six at most to open folders for the first time";
+}
+
+ON_EVERY_DISK(CopyCosts);
+
+}   // namespace
