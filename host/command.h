@@ -25,13 +25,13 @@ using Action = std::function<void(Invocation &)>;
 struct Command
 {
     const char *name;
-    const char *summary;                      // one line for the list of commands
-    const char *description;                  // what the command's own help says beyond that
-    const char *examples;                     // lines for its help
-    Action (*declare)(CLI::App &arguments);   // says what it takes; the options live as long as the action
+    const char *summary;                       // one line for the list of commands
+    const char *description;                   // what the command's own help says beyond that
+    const char *examples;                      // lines for its help
+    Action (*declare)(Arguments &arguments);   // says what it takes; the options live as long as the action
 };
 
 std::span<const Command *const> allCommands();
-const Command *findCommand(std::string_view name);   // null if there is none
+const Command *commandNamed(std::string_view name);   // null if there is none
 
 }   // namespace host

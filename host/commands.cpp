@@ -15,6 +15,17 @@ const Command *const commandOrder[] = {
     &setCommand,
     &touchCommand,
     &attrsCommand,
+    &lsCommand,
+    &treeCommand,
+    &findCommand,
+    &copyCommand,
+    &mvCommand,
+    &renameCommand,
+    &swapCommand,
+    &rmCommand,
+    &forksCommand,
+    &pathCommand,
+    &nameCommand,
     &textCommand,
 };
 // clang-format on
@@ -26,7 +37,7 @@ std::span<const Command *const> allCommands()
     return commandOrder;
 }
 
-const Command *findCommand(std::string_view name)
+const Command *commandNamed(std::string_view name)
 {
     auto row =
         std::find_if(std::begin(commandOrder), std::end(commandOrder), [&](const Command *command) { return command->name == name; });

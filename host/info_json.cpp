@@ -1,35 +1,13 @@
 #include "host/object_info.h"
 
-#include "host/dates.h"
-#include "host/finder_flags.h"
-#include "host/four_character_codes.h"
-#include "host/report.h"
-
-#include "standin/standin.h"
+#include "host/catalog_json.h"
+#include "host/text_encodings.h"
 
 namespace host
 {
 
 namespace
 {
-
-const char *kindJson(Kind kind)
-{
-    return kind == Kind::symbolicLink ? "symbolic_link" : nameOfKind(kind);
-}
-
-Json dateJson(const UTCDateTime &date)
-{
-    if (isNever(date))
-        return nullptr;
-    return {{"iso", isoUtc(date)}, {"seconds_since_1904", secondsSince1904(date)}, {"fraction_65536", static_cast<UInt16>(date.fraction)}};
-}
-
-Json codeJson(OSType code)
-{
-    std::optional<std::string> text = textOfCode(code);
-    return text ? Json(*text) : Json(nullptr);
-}
 
 Json pointJson(Point point)
 {
@@ -42,11 +20,6 @@ Json rectJson(const Rect &rect)
             {"top", static_cast<SInt16>(rect.top)},
             {"right", static_cast<SInt16>(rect.right)},
             {"bottom", static_cast<SInt16>(rect.bottom)}};
-}
-
-Json bitsJson(std::span<const NamedBit> table, UInt32 bits)
-{
-    return {{"value", bits}, {"names", namesOfBits(table, bits)}};
 }
 
 Json finderJson(const ObjectInfo &info)
@@ -67,7 +40,7 @@ Json finderJson(const ObjectInfo &info)
         json["creator_code"] = creator;
     }
     json["flags"] = bitsJson(finderFlags(), info.finderFlags());
-    json["label"] = {{"number", labelOfFlags(info.finderFlags())}, {"name", nameOfLabel(labelOfFlags(info.finderFlags()))}};
+    json["label"] = labelJson(info.finderFlags());
     json["extended_flags"] = bitsJson(extendedFinderFlags(), info.extendedFlags());
     json["location"] = pointJson(info.location());
     json["put_away_folder_id"] = info.putAwayFolder();
@@ -115,12 +88,6 @@ Json encodingJson(TextEncoding hint)
 }
 
 }   // namespace
-
-Json resultJson(OSStatus result)
-{
-    const char *name = standin::resultCodeName(result);
-    return {{"code", result}, {"symbol", name != nullptr ? Json(name) : Json(nullptr)}, {"meaning", meaningOfResult(result)}};
-}
 
 Json infoJson(const ObjectInfo &info)
 {

@@ -6,6 +6,7 @@
 #include "host/numbers.h"
 #include "host/report.h"
 #include "host/text.h"
+#include "host/text_encodings.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -43,11 +43,6 @@ int refuseUsage(const std::string &message, const std::string &help)
     return wrongUsage;
 }
 
-std::string helpFooter(const host::Command &command)
-{
-    return std::string(command.description) + "\nExamples:\n" + command.examples;
-}
-
 // Output that could not be written, on a full disk for instance, is a failure like any other.
 int finish(bool anyFailure)
 {
@@ -71,21 +66,17 @@ int work(const host::Command &command, const host::Action &action)
 int runCommand(const host::Command &command, const std::vector<std::string> &words)
 {
     std::string fullName = "zerb " + std::string(command.name);
-    CLI::App arguments(command.summary, fullName);
-    arguments.footer(helpFooter(command));
-    arguments.get_formatter()->label("REQUIRED", "");
-    arguments.get_formatter()->column_width(28);
+    host::Arguments arguments(fullName, {command.summary, command.description, command.examples});
     host::Action action = command.declare(arguments);
     try
     {
-        host::parseWords(arguments, words);
+        if (std::optional<std::string> help = arguments.read(words))
+        {
+            std::fputs(help->c_str(), stdout);
+            return finish(false);
+        }
     }
-    catch (const CLI::CallForHelp &)
-    {
-        std::fputs(arguments.help().c_str(), stdout);
-        return finish(false);
-    }
-    catch (const CLI::ParseError &error)
+    catch (const host::UsageError &error)
     {
         return refuseUsage(std::string(command.name) + ": " + error.what(), fullName + " --help");
     }
@@ -109,7 +100,7 @@ int run(const std::vector<std::string> &words)
         return finish(false);
     }
     const std::string &name = helpWanted ? words[1] : first;
-    const host::Command *command = host::findCommand(name);
+    const host::Command *command = host::commandNamed(name);
     if (command == nullptr)
         return refuseUsage("there is no command \"" + name + "\"", "zerb --help");
     if (helpWanted)

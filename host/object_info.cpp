@@ -3,7 +3,6 @@
 #include "host/objects.h"
 #include "host/text.h"
 
-#include <algorithm>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -13,24 +12,10 @@ namespace host
 namespace
 {
 
-constexpr OSType symbolicLinkType = fourCharCode("slnk");
-constexpr OSType symbolicLinkCreator = fourCharCode("rhap");
-
 constexpr FSCatalogInfoBitmap everything =
     kFSCatInfoTextEncoding | kFSCatInfoNodeFlags | kFSCatInfoVolume | kFSCatInfoParentDirID | kFSCatInfoNodeID | kFSCatInfoCreateDate |
     kFSCatInfoContentMod | kFSCatInfoAttrMod | kFSCatInfoAccessDate | kFSCatInfoBackupDate | kFSCatInfoPermissions | kFSCatInfoFinderInfo |
     kFSCatInfoFinderXInfo | kFSCatInfoValence | kFSCatInfoDataSizes | kFSCatInfoRsrcSizes | kFSCatInfoSharingFlags | kFSCatInfoUserPrivs;
-
-// The mode tells a link from a file to which somebody gave a link's type. Volumes that keep no modes leave its upper bits zero.
-Kind kindOf(const ObjectInfo &info)
-{
-    if (info.catalog.nodeFlags & kFSNodeIsDirectoryMask)
-        return Kind::folder;
-    if ((info.permissions.mode & S_IFMT) != 0)
-        return S_ISLNK(info.permissions.mode) ? Kind::symbolicLink : Kind::file;
-    bool typedAsLink = info.finder.file.fileType == symbolicLinkType && info.finder.file.fileCreator == symbolicLinkCreator;
-    return typedAsLink ? Kind::symbolicLink : Kind::file;
-}
 
 OSStatus gatherCatalog(const FSRef &ref, ObjectInfo &info)
 {
@@ -42,10 +27,10 @@ OSStatus gatherCatalog(const FSRef &ref, ObjectInfo &info)
         return result;
     info.name = bytesFromName(name);
     info.shortName = utf8FromPascal(spec.name);
-    std::memcpy(&info.permissions, info.catalog.permissions, sizeof info.permissions);
-    std::memcpy(&info.finder, info.catalog.finderInfo, sizeof info.finder);
+    info.permissions = permissionsOf(info.catalog);
+    info.finder = finderInfoOf(info.catalog);
     std::memcpy(&info.extendedFinder, info.catalog.extFinderInfo, sizeof info.extendedFinder);
-    info.kind = kindOf(info);
+    info.kind = kindOf(info.catalog);
     return noErr;
 }
 
@@ -55,39 +40,6 @@ std::string nameOfVolume(FSVolumeRefNum volume)
     OSErr result = FSGetVolumeInfo(volume, 0, nullptr, kFSVolInfoNone, nullptr, &name, nullptr);
     return result == noErr ? bytesFromName(name) : "";
 }
-
-struct NamedEncoding
-{
-    TextEncoding encoding;
-    const char *name;
-};
-
-constexpr NamedEncoding encodings[] = {
-    {0, "Mac Roman"},
-    {1, "Mac Japanese"},
-    {2, "Mac Chinese, traditional"},
-    {3, "Mac Korean"},
-    {4, "Mac Arabic"},
-    {5, "Mac Hebrew"},
-    {6, "Mac Greek"},
-    {7, "Mac Cyrillic"},
-    {9, "Mac Devanagari"},
-    {10, "Mac Gurmukhi"},
-    {11, "Mac Gujarati"},
-    {21, "Mac Thai"},
-    {25, "Mac Chinese, simplified"},
-    {26, "Mac Tibetan"},
-    {29, "Mac Central European"},
-    {33, "Mac Symbol"},
-    {34, "Mac Dingbats"},
-    {35, "Mac Turkish"},
-    {36, "Mac Croatian"},
-    {37, "Mac Icelandic"},
-    {38, "Mac Romanian"},
-    {0x7E, "Mac Unicode"},
-    {0x0100, "Unicode"},
-    {kTextEncodingUnknown, "unknown"},
-};
 
 char letterOfFileType(UInt16 mode)
 {
@@ -118,16 +70,6 @@ OSStatus gatherInfo(const Plugin &plugin, const FSRef &ref, ObjectInfo &info)
     return noErr;
 }
 
-const char *nameOfKind(Kind kind)
-{
-    switch (kind)
-    {
-    case Kind::folder: return "folder";
-    case Kind::symbolicLink: return "symbolic link";
-    default: return "file";
-    }
-}
-
 std::string describeMode(UInt16 mode)
 {
     std::string text(1, letterOfFileType(mode));
@@ -141,12 +83,6 @@ std::string describeMode(UInt16 mode)
     if (mode & S_ISVTX)
         text[9] = mode & S_IXOTH ? 't' : 'T';
     return text;
-}
-
-std::string nameOfEncoding(TextEncoding encoding)
-{
-    auto row = std::find_if(std::begin(encodings), std::end(encodings), [&](const NamedEncoding &one) { return one.encoding == encoding; });
-    return row != std::end(encodings) ? row->name : "";
 }
 
 }   // namespace host

@@ -1,6 +1,7 @@
 // Everything that is known about one object, gathered once and then shown in whatever form.
 #pragma once
 
+#include "host/catalog_reading.h"
 #include "host/json_text.h"
 #include "host/plugin.h"
 #include "host/terminal.h"
@@ -12,13 +13,6 @@
 
 namespace host
 {
-
-enum class Kind
-{
-    file,
-    folder,
-    symbolicLink
-};
 
 // Texts are bytes as on disk or in UTF-8; they still have to be made printable.
 struct ObjectInfo
@@ -47,21 +41,13 @@ struct ObjectInfo
 // Result: noErr; FSGetCatalogInfo's code, or that of the first further call that an object must answer. `info` is complete only on success.
 OSStatus gatherInfo(const Plugin &plugin, const FSRef &ref, ObjectInfo &info);
 
-const char *nameOfKind(Kind kind);   // "file", "folder", "symbolic link"
-
 // -rw-r--r--, with the letter of what it is on disk.
 std::string describeMode(UInt16 mode);
-
-// "Mac Roman" and so on; empty for an encoding without a name here.
-std::string nameOfEncoding(TextEncoding encoding);
 
 // Many lines for people, grouped and lined up.
 std::string infoText(const ObjectInfo &info, const Style &style);
 
 // One object for programs. Names and meanings of the members are described in the manual.
 Json infoJson(const ObjectInfo &info);
-
-// A result code: its number, its name or null, and its meaning.
-Json resultJson(OSStatus result);
 
 }   // namespace host

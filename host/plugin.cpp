@@ -61,6 +61,30 @@ void takeTyped(void *library, const char *name, Function *&function)
     function = reinterpret_cast<Function *>(addressOf(library, exportedSymbol(name, function), name));
 }
 
+void takeNameAndForkFunctions(void *library, Plugin &plugin)
+{
+    take(library, "UnicodeNameGetHFSName", plugin.UnicodeNameGetHFSName);
+    take(library, "HFSNameGetUnicodeName", plugin.HFSNameGetUnicodeName);
+    take(library, "FSPathMakeFSSpec", plugin.FSPathMakeFSSpec);
+    take(library, "FSMakePath", plugin.FSMakePath);
+    take(library, "FSGetForkSizes", plugin.FSGetForkSizes);
+    take(library, "FSGetTotalForkSizes", plugin.FSGetTotalForkSizes);
+    take(library, "GetTempBufferX", plugin.GetTempBufferX);
+    take(library, "FSCopyFork", plugin.FSCopyFork);
+    take(library, "FSCopyFile", plugin.FSCopyFile);
+}
+
+void takeTreeFunctions(void *library, Plugin &plugin)
+{
+    take(library, "FSIterateContainer", plugin.FSIterateContainer);
+    take(library, "FSGetDirectoryItems", plugin.FSGetDirectoryItems);
+    take(library, "FSDeleteContainerContents", plugin.FSDeleteContainerContents);
+    take(library, "FSDeleteContainer", plugin.FSDeleteContainer);
+    take(library, "FSMoveRename", plugin.FSMoveRename);
+    take(library, "FSMoveRenameObjectUnicode", plugin.FSMoveRenameObjectUnicode);
+    take(library, "FSExchangeObjectsCompat", plugin.FSExchangeObjectsCompat);
+}
+
 void takeStringFunctions(void *library, Plugin &plugin)
 {
     takeTyped(library, "CopyCtoPstr", plugin.CopyCtoPstr);
@@ -94,6 +118,8 @@ Plugin takeFunctions(void *library)
     take(library, "FSClearHasCustomIcon", plugin.FSClearHasCustomIcon);
     take(library, "FSClearHasBeenInited", plugin.FSClearHasBeenInited);
     take(library, "FSCopyFileMgrAttributes", plugin.FSCopyFileMgrAttributes);
+    takeNameAndForkFunctions(library, plugin);
+    takeTreeFunctions(library, plugin);
     takeStringFunctions(library, plugin);
     return plugin;
 }

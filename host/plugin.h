@@ -31,6 +31,22 @@ struct Plugin
     decltype(&::FSClearHasCustomIcon) FSClearHasCustomIcon;
     decltype(&::FSClearHasBeenInited) FSClearHasBeenInited;
     decltype(&::FSCopyFileMgrAttributes) FSCopyFileMgrAttributes;
+    decltype(&::UnicodeNameGetHFSName) UnicodeNameGetHFSName;
+    decltype(&::HFSNameGetUnicodeName) HFSNameGetUnicodeName;
+    decltype(&::FSPathMakeFSSpec) FSPathMakeFSSpec;
+    decltype(&::FSMakePath) FSMakePath;
+    decltype(&::FSGetForkSizes) FSGetForkSizes;
+    decltype(&::FSGetTotalForkSizes) FSGetTotalForkSizes;
+    decltype(&::GetTempBufferX) GetTempBufferX;
+    decltype(&::FSCopyFork) FSCopyFork;
+    decltype(&::FSCopyFile) FSCopyFile;
+    decltype(&::FSIterateContainer) FSIterateContainer;
+    decltype(&::FSGetDirectoryItems) FSGetDirectoryItems;
+    decltype(&::FSDeleteContainerContents) FSDeleteContainerContents;
+    decltype(&::FSDeleteContainer) FSDeleteContainer;
+    decltype(&::FSMoveRename) FSMoveRename;
+    decltype(&::FSMoveRenameObjectUnicode) FSMoveRenameObjectUnicode;
+    decltype(&::FSExchangeObjectsCompat) FSExchangeObjectsCompat;
 
     decltype(&::CopyCtoPstr) CopyCtoPstr;
     decltype(&::CopyPtoCstr) CopyPtoCstr;

@@ -30,7 +30,7 @@ Style Style::forStandardOutput()
 
 std::string Style::wrapped(const char *code, const std::string &text) const
 {
-    return coloured_ ? "\033[" + std::string(code) + "m" + text + "\033[0m" : text;
+    return coloured_ && !text.empty() ? "\033[" + std::string(code) + "m" + text + "\033[0m" : text;
 }
 
 }   // namespace host

@@ -17,7 +17,11 @@ public:
     std::string title(const std::string &text) const { return wrapped("1", text); }
     std::string group(const std::string &text) const { return wrapped("36", text); }
     std::string label(const std::string &text) const { return wrapped("2", text); }
+    std::string folder(const std::string &text) const { return wrapped("1;34", text); }
+    std::string link(const std::string &text) const { return wrapped("36", text); }
     std::string warning(const std::string &text) const { return wrapped("33", text); }
+
+    bool isColoured() const { return coloured_; }
 
 private:
     std::string wrapped(const char *code, const std::string &text) const;

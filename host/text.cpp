@@ -216,6 +216,13 @@ std::optional<HFSUniStr255> nameFromPathComponent(std::string_view component)
     return name;
 }
 
+std::string pathComponentFromName(const HFSUniStr255 &name)
+{
+    std::string component = bytesFromName(name);
+    std::replace(component.begin(), component.end(), '/', ':');
+    return component;
+}
+
 std::string utf8FromMacRoman(std::string_view macRoman)
 {
     Converter converter = macRomanConverter();

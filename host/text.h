@@ -23,6 +23,9 @@ std::string bytesFromName(const HFSUniStr255 &name);
 // The units of one component of a path, with ':' and '/' exchanged, as a name. Empty if it is longer than a name can be.
 std::optional<HFSUniStr255> nameFromPathComponent(std::string_view component);
 
+// The other way.
+std::string pathComponentFromName(const HFSUniStr255 &name);
+
 std::string utf8FromMacRoman(std::string_view macRoman);
 
 // Empty if a character has no place in Mac Roman or the text is not UTF-8. Decomposed letters are composed first.

@@ -49,13 +49,13 @@ void copyAttributes(Invocation &invocation, const Options &options)
         copyTo(invocation, source, isFolder != 0, path, options);
 }
 
-Action declareAttrs(CLI::App &arguments)
+Action declareAttrs(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
-    addPath(arguments, "SOURCE", options->source, "the object to copy from");
-    addPaths(arguments, "DEST", options->destinations, "the objects to copy to");
-    addLinksOption(arguments, options->links);
-    arguments.add_flag("--with-lock", options->withLock, "copy the lock too; otherwise the destination ends unlocked");
+    arguments.path("SOURCE", options->source, "the object to copy from");
+    arguments.paths("DEST", options->destinations, "the objects to copy to");
+    arguments.links(options->links);
+    arguments.flag("--with-lock", options->withLock, "copy the lock too; otherwise the destination ends unlocked");
     return [options](Invocation &invocation) { copyAttributes(invocation, *options); };
 }
 

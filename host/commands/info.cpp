@@ -1,7 +1,7 @@
 // zerb info: shows everything that is known about objects.
 #include "host/commands.h"
 
-#include "host/dates.h"
+#include "host/catalog_json.h"
 #include "host/object_info.h"
 
 #include <cstdio>
@@ -31,11 +31,6 @@ OSStatus gatherAt(Invocation &invocation, const std::string &path, Links links, 
     return result;
 }
 
-Json errorJson(const std::string &path, OSStatus result)
-{
-    return {{"path", path}, {"error", resultJson(result)}};
-}
-
 void showJson(Invocation &invocation, const Options &options)
 {
     Json list = Json::array();
@@ -62,12 +57,12 @@ void showText(Invocation &invocation, const Options &options)
     }
 }
 
-Action declareInfo(CLI::App &arguments)
+Action declareInfo(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
-    addPaths(arguments, "PATH", options->paths, "files, folders or links");
-    addLinksOption(arguments, options->links);
-    arguments.add_flag("--json", options->json, "one array with one object per path; \"error\" in it tells of a failure");
+    arguments.paths("PATH", options->paths, "files, folders or links");
+    arguments.links(options->links);
+    arguments.json(options->json);
     return [options](Invocation &invocation) { options->json ? showJson(invocation, *options) : showText(invocation, *options); };
 }
 

@@ -29,36 +29,36 @@ UTCDateTime currentDate()
     return now;
 }
 
-void addCode(CLI::App &arguments, const char *name, std::optional<OSType> &code, const char *description)
+void addCode(Arguments &arguments, const char *name, std::optional<OSType> &code, const char *description)
 {
-    addText(
-        arguments, name, "CODE", [&code](const std::string &text) { code = codeFromText(text); }, description);
+    arguments.text(
+        name, "CODE", [&code](const std::string &text) { code = codeFromText(text); }, description);
 }
 
-void addDate(CLI::App &arguments, const char *name, std::optional<UTCDateTime> &date, const char *description)
+void addDate(Arguments &arguments, const char *name, std::optional<UTCDateTime> &date, const char *description)
 {
-    addText(
-        arguments, name, "DATE", [&date](const std::string &text) { date = dateFromText(text, currentDate()); }, description);
+    arguments.text(
+        name, "DATE", [&date](const std::string &text) { date = dateFromText(text, currentDate()); }, description);
 }
 
 // One of two options for one thing. Giving both is refused.
-void addChoice(CLI::App &arguments, const char *name, std::optional<bool> &choice, bool value, const char *description)
+void addChoice(Arguments &arguments, const char *name, std::optional<bool> &choice, bool value, const char *description)
 {
-    auto choose = [name, &choice, value] {
+    auto choose = [&choice, value] {
         if (choice && *choice != value)
-            throw CLI::ValidationError(name, "contradicts an option that says the opposite");
+            throw UsageError("contradicts an option that says the opposite");
         choice = value;
     };
-    arguments.add_flag_callback(name, choose, description);
+    arguments.flag(name, choose, description);
 }
 
-void addBits(CLI::App &arguments, const char *name, UInt16 &bits, const char *description)
+void addBits(Arguments &arguments, const char *name, UInt16 &bits, const char *description)
 {
     auto read = [&bits](const std::string &text) { bits = static_cast<UInt16>(bits | hexadecimalFromText(text, 4)); };
-    addText(arguments, name, "0xNNNN", read, description);
+    arguments.text(name, "0xNNNN", read, description);
 }
 
-void addFlagOptions(CLI::App &arguments, CatalogChanges &changes)
+void addFlagOptions(Arguments &arguments, CatalogChanges &changes)
 {
     addChoice(arguments, "--invisible", changes.invisible, true, "hide it from view");
     addChoice(arguments, "--visible", changes.invisible, false, "show it again");
@@ -68,17 +68,16 @@ void addFlagOptions(CLI::App &arguments, CatalogChanges &changes)
     addChoice(arguments, "--no-stationery", changes.stationery, false, "opening it opens it");
     addChoice(arguments, "--custom-icon", changes.customIcon, true, "it has an icon of its own");
     addChoice(arguments, "--no-custom-icon", changes.customIcon, false, "it looks like others of its type");
-    arguments.add_flag("--clear-inited", changes.clearInited, "the Finder is to look at it as if new");
+    arguments.flag("--clear-inited", changes.clearInited, "the Finder is to look at it as if new");
     auto readFlags = [&changes](const std::string &text) { readFlagChange(text, changes.flags); };
-    addText(arguments, "--flags", "+NAME,-NAME", readFlags, "set and clear Finder flags by name");
+    arguments.text("--flags", "+NAME,-NAME", readFlags, "set and clear Finder flags by name");
     addBits(arguments, "--set-flags", changes.flags.bitsToSet, "set Finder flags by value");
     addBits(arguments, "--clear-flags", changes.flags.bitsToClear, "clear Finder flags by value");
-    addText(
-        arguments, "--label", "LABEL", [&changes](const std::string &text) { changes.label = labelFromText(text); },
-        "a colour, none, or 0 to 7");
+    arguments.text(
+        "--label", "LABEL", [&changes](const std::string &text) { changes.label = labelFromText(text); }, "a colour, none, or 0 to 7");
 }
 
-void addDateOptions(CLI::App &arguments, CatalogChanges &changes)
+void addDateOptions(Arguments &arguments, CatalogChanges &changes)
 {
     addDate(arguments, "--created", changes.created, "when it was created");
     addDate(arguments, "--modified", changes.modified, "when its contents were changed");
@@ -89,26 +88,25 @@ void addDateOptions(CLI::App &arguments, CatalogChanges &changes)
 void checkChanges(const CatalogChanges &changes)
 {
     if (changes.isEmpty())
-        throw CLI::ValidationError("there is nothing to change; name at least one option");
+        throw UsageError("there is nothing to change; name at least one option");
     if (UInt32 both = changes.contradictingFlags())
-        throw CLI::ValidationError("Finder flags " + hexadecimal(both, 4) + " are both to be set and to be cleared");
+        throw UsageError("Finder flags " + hexadecimal(both, 4) + " are both to be set and to be cleared");
 }
 
-Action declareSet(CLI::App &arguments)
+Action declareSet(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
     CatalogChanges &changes = options->changes;
-    addPaths(arguments, "PATH", options->paths, "files, folders or links");
-    addLinksOption(arguments, options->links);
+    arguments.paths("PATH", options->paths, "files, folders or links");
+    arguments.links(options->links);
     addCode(arguments, "--type", changes.type, "a file's type");
     addCode(arguments, "--creator", changes.creator, "a file's creator");
     addFlagOptions(arguments, changes);
     addDateOptions(arguments, changes);
-    auto readEncoding = [&changes](const std::string &text) { changes.encodingHint = numberFromText(text, 0xFFFFFFFF); };
-    addText(arguments, "--encoding", "N", readEncoding, "the text encoding its name came from; 0 is Mac Roman");
+    arguments.number("--encoding", "N", changes.encodingHint, 0xFFFFFFFF, "the text encoding its name came from; 0 is Mac Roman");
     addChoice(arguments, "--lock", changes.locked, true, "protect it from changes, after everything else is done");
     addChoice(arguments, "--unlock", changes.locked, false, "take the protection away, before anything else is done");
-    arguments.final_callback([options] { checkChanges(options->changes); });
+    arguments.finalCheck([options] { checkChanges(options->changes); });
     return [options](Invocation &invocation) {
         for (const std::string &path : options->paths)
             changeObjectAt(invocation, path, options->links, options->changes);

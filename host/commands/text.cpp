@@ -18,26 +18,9 @@ constexpr std::size_t longestPascal = 255;
 
 const TextPart *const partOrder[] = {&fromNumberPart, &toNumberPart, &encodePart, &decodePart, &shortenPart};
 
-using DeclaredParts = std::vector<std::pair<const CLI::App *, Action>>;
-
-void workOnChosen(const DeclaredParts &parts, Invocation &invocation)
+Action declareText(Arguments &arguments)
 {
-    for (const auto &[arguments, action] : parts)
-        if (arguments->parsed())
-            action(invocation);
-}
-
-Action declareText(CLI::App &arguments)
-{
-    auto parts = std::make_shared<DeclaredParts>();
-    arguments.require_subcommand(1);
-    for (const TextPart *part : partOrder)
-    {
-        CLI::App *partArguments = arguments.add_subcommand(part->name, part->summary);
-        partArguments->footer(std::string(part->description) + "\nExamples:\n" + part->examples);
-        parts->emplace_back(partArguments, part->declare(*partArguments));
-    }
-    return [parts](Invocation &invocation) { workOnChosen(*parts, invocation); };
+    return declareParts(arguments, partOrder);
 }
 
 void showLine(const std::string &line, TextOutput output)
@@ -49,19 +32,19 @@ void showLine(const std::string &line, TextOutput output)
 
 }   // namespace
 
-CLI::Option *addJsonOption(CLI::App &arguments, TextOutput &output)
+Arguments::Item addJsonOption(Arguments &arguments, TextOutput &output)
 {
-    return arguments.add_flag_callback(
+    return arguments.flag(
         "--json", [&output] { output = TextOutput::json; }, "one array with one object per text; \"error\" in it tells of a failure");
 }
 
-void addOutputOptions(CLI::App &arguments, TextOutput &output)
+void addOutputOptions(Arguments &arguments, TextOutput &output)
 {
-    CLI::Option *json = addJsonOption(arguments, output);
+    Arguments::Item json = addJsonOption(arguments, output);
     arguments
-        .add_flag_callback(
+        .flag(
             "--raw", [&output] { output = TextOutput::raw; }, "control characters and backslashes as they are, not as escapes")
-        ->excludes(json);
+        .excludes(json);
 }
 
 void showTexts(Invocation &invocation, const std::vector<std::string> &texts, TextOutput output,

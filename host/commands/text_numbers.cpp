@@ -52,12 +52,11 @@ TextRow fractionRow(const Plugin &plugin, const std::string &number, short decim
     return {text, {{"number", value}, {"text", text}}};
 }
 
-Action declareFromNumber(CLI::App &arguments)
+Action declareFromNumber(Arguments &arguments)
 {
     auto options = std::make_shared<FromNumberOptions>();
-    addPaths(arguments, "NUMBER", options->numbers, "decimal numbers");
-    auto readDecimals = [options](const std::string &text) { options->decimals = static_cast<short>(numberFromText(text, mostDecimals)); };
-    addText(arguments, "--decimals", "N", readDecimals, "digits after the point, 0 to 9; numbers may then have fractions");
+    arguments.paths("NUMBER", options->numbers, "decimal numbers");
+    arguments.number("--decimals", "N", options->decimals, mostDecimals, "digits after the point, 0 to 9; numbers may then have fractions");
     addJsonOption(arguments, options->output);
     return [options](Invocation &invocation) {
         auto work = [&](const std::string &number) {
@@ -101,22 +100,22 @@ void remarkOnGuess(Invocation &invocation, const std::string &text, NumberKind k
 TextRow numberOfText(Invocation &invocation, const std::string &text, NumberKind kind)
 {
     ReadNumber number = readNumber(invocation.plugin, text, kind);
-    std::string shown = number.value.dump();
+    std::string shown = number.value.compact();
     if (!number.isExact)
         remarkOnGuess(invocation, text, kind, shown);
     return {shown, {{"text", text}, {"number", number.value}, {"exact", number.isExact}}};
 }
 
-Action declareToNumber(CLI::App &arguments)
+Action declareToNumber(Arguments &arguments)
 {
     auto options = std::make_shared<ToNumberOptions>();
-    addPaths(arguments, "TEXT", options->texts, "texts to read");
+    arguments.paths("TEXT", options->texts, "texts to read");
     auto choose = [&](const char *name, NumberKind kind, const char *description) {
-        return arguments.add_flag_callback(
+        return arguments.flag(
             name, [options, kind] { options->kind = kind; }, description);
     };
-    CLI::Option *fraction = choose("--fraction", NumberKind::fraction, "fractions, with '.' or ',' before the decimals");
-    choose("--hex", NumberKind::hexadecimal, "hexadecimal numbers, with or without $ or 0x before them")->excludes(fraction);
+    Arguments::Item fraction = choose("--fraction", NumberKind::fraction, "fractions, with '.' or ',' before the decimals");
+    choose("--hex", NumberKind::hexadecimal, "hexadecimal numbers, with or without $ or 0x before them").excludes(fraction);
     addJsonOption(arguments, options->output);
     return [options](Invocation &invocation) {
         auto work = [&](const std::string &text) { return numberOfText(invocation, text, options->kind); };

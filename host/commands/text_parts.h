@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/command.h"
+#include "host/commands/parts.h"
 #include "host/json_text.h"
 
 #include <functional>
@@ -11,12 +12,7 @@
 namespace host
 {
 
-// A sub-command; see Command.
-struct TextPart
-{
-    const char *name, *summary, *description, *examples;
-    Action (*declare)(CLI::App &arguments);
-};
+using TextPart = Part;
 
 extern const TextPart fromNumberPart;
 extern const TextPart toNumberPart;
@@ -39,10 +35,10 @@ enum class TextOutput
 };
 
 // --json
-CLI::Option *addJsonOption(CLI::App &arguments, TextOutput &output);
+Arguments::Item addJsonOption(Arguments &arguments, TextOutput &output);
 
 // --json or --raw, where lines can hold any text
-void addOutputOptions(CLI::App &arguments, TextOutput &output);
+void addOutputOptions(Arguments &arguments, TextOutput &output);
 
 // Shows what comes of each text, in their order. A UsageError that `work` throws is reported with its text, and the next one follows; in
 // JSON its place is taken by an object with "text" and "error".

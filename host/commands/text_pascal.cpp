@@ -34,11 +34,11 @@ TextRow encoded(const Plugin &plugin, const std::string &text, bool asLiteral)
     return {asLiteral ? cLiteral(bytes) : hexDump(bytes), std::move(members)};
 }
 
-Action declareEncode(CLI::App &arguments)
+Action declareEncode(Arguments &arguments)
 {
     auto options = std::make_shared<EncodeOptions>();
-    addPaths(arguments, "TEXT", options->texts, "texts in UTF-8");
-    arguments.add_flag("--c-string", options->asLiteral, "as string literals of C");
+    arguments.paths("TEXT", options->texts, "texts in UTF-8");
+    arguments.flag("--c-string", options->asLiteral, "as string literals of C");
     addJsonOption(arguments, options->output);
     return [options](Invocation &invocation) {
         auto work = [&](const std::string &text) { return encoded(invocation.plugin, text, options->asLiteral); };
@@ -53,10 +53,10 @@ TextRow decoded(const std::string &dump)
     return {text, {{"text", text}, {"length", bytes.size() - 1}, {"hex", hexDump(bytes)}, {"c", cLiteral(bytes)}}};
 }
 
-Action declareDecode(CLI::App &arguments)
+Action declareDecode(Arguments &arguments)
 {
     auto options = std::make_shared<DecodeOptions>();
-    addPaths(arguments, "BYTES", options->dumps, "one string an argument, its length byte first");
+    arguments.paths("BYTES", options->dumps, "one string an argument, its length byte first");
     addOutputOptions(arguments, options->output);
     return [options](Invocation &invocation) { showTexts(invocation, options->dumps, options->output, decoded); };
 }

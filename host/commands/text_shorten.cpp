@@ -84,12 +84,12 @@ void shortenNames(Invocation &invocation, const Options &options)
     showTexts(invocation, names, options.output, work);
 }
 
-Action declareShorten(CLI::App &arguments)
+Action declareShorten(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
-    addPaths(arguments, "NAME", options->names, "names in UTF-8; none: the lines of standard input")->required(false);
+    arguments.optionalPaths("NAME", options->names, "names in UTF-8; none: the lines of standard input");
     auto readWidth = [options](const std::string &text) { options->width = widthFromText(text); };
-    addText(arguments, "-w,--width", "PIXELS", readWidth, "how wide a name may be")->required();
+    arguments.text("-w,--width", "PIXELS", readWidth, "how wide a name may be").require();
     addOutputOptions(arguments, options->output);
     return [options](Invocation &invocation) { shortenNames(invocation, *options); };
 }

@@ -68,12 +68,12 @@ void touch(Invocation &invocation, const std::string &path, const Options &optio
         std::printf("%s: %s -> %s\n", printable(path).c_str(), isoLocal(before).c_str(), isoLocal(after).c_str());
 }
 
-Action declareTouch(CLI::App &arguments)
+Action declareTouch(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
-    addPaths(arguments, "PATH", options->paths, "files, folders or links; they must exist");
-    addLinksOption(arguments, options->links);
-    arguments.add_flag("-v,--verbose", options->verbose, "show the date before and after");
+    arguments.paths("PATH", options->paths, "files, folders or links; they must exist");
+    arguments.links(options->links);
+    arguments.flag("-v,--verbose", options->verbose, "show the date before and after");
     return [options](Invocation &invocation) {
         for (const std::string &path : options->paths)
             touch(invocation, path, *options);

@@ -3,6 +3,7 @@
 #include "host/finder_flags.h"
 #include "host/four_character_codes.h"
 #include "host/json_text.h"
+#include "host/name_pattern.h"
 #include "host/numbers.h"
 #include "host/text.h"
 
@@ -11,7 +12,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
+#include <cmath>
+#include <cstdint>
 #include <random>
 
 namespace
@@ -239,6 +243,36 @@ TEST(HostText, PrintingCannotTouchTheTerminal)
     EXPECT_EQ(host::columnsOf("a\u00E9\U0001F600"), 3u);
 }
 
+struct PatternCase
+{
+    const char *pattern, *name;
+    bool matches, matchesInAnyCase;
+};
+
+TEST(HostPatterns, AreThoseOfShellsOnCharacters)
+{
+    const PatternCase cases[] = {
+        {"*", "", true, true},
+        {"*", ".point", true, true},
+        {"Let*", "Letter", true, true},
+        {"let*", "Letter", false, true},
+        {"L?tter", "L\u00E4tter", true, true},
+        {"l\u00C4tter", "L\u00E4tter", false, true},
+        {"[!a-k]*", "Letter", true, true},
+        {"\\*", "x", false, false},
+        {"\\*", "*", true, true},
+        {"[", "[", true, true},
+        {"x", "xy", false, false},
+        {"bad?", "bad\xFF", true, true},
+        {"*/*", "a/b", true, true},
+    };
+    for (const PatternCase &row : cases)
+    {
+        EXPECT_EQ(host::NamePattern(row.pattern).matches(row.name), row.matches) << row.pattern << " " << row.name;
+        EXPECT_EQ(host::NamePattern(row.pattern, true).matches(row.name), row.matchesInAnyCase) << row.pattern << " " << row.name;
+    }
+}
+
 TEST(HostJson, StringsAreAsciiAndLoseNothing)
 {
     EXPECT_EQ(host::jsonString("a\"b\\c/\n\t\x01\x7F"), "\"a\\\"b\\\\c/\\n\\t\\u0001\\u007f\"");
@@ -260,7 +294,43 @@ TEST(HostJson, TreesKeepTheirOrderAndTheirNumbers)
 TEST(HostJson, WhatIsWrittenIsReadBack)
 {
     host::Json tree = host::Json::array({{{"name \"1\"", "line\nend\u00E9\U0001F600"}, {"list", {1, "two", {{"three", 3}}}}}});
-    EXPECT_EQ(host::Json::parse(host::jsonText(tree)), tree);
+    nlohmann::json expected = nlohmann::json::array({{{"name \"1\"", "line\nend\u00E9\U0001F600"}, {"list", {1, "two", {{"three", 3}}}}}});
+    EXPECT_EQ(nlohmann::json::parse(host::jsonText(tree)), expected);
+    EXPECT_EQ(nlohmann::json::parse(tree.compact()), expected);
+    EXPECT_EQ(tree.compact().find('\n'), std::string::npos);
+}
+
+struct JsonNumberCase
+{
+    host::Json number;
+    const char *written;
+};
+
+TEST(HostJson, NumbersKeepTheirKindAndTheirValue)
+{
+    const JsonNumberCase cases[] = {
+        {-2.0, "-2.0"},
+        {0.1, "0.1"},
+        {1e300, "1e+300"},
+        {0.0, "0.0"},
+        {std::nan(""), "null"},
+        {INFINITY, "null"},
+        {true, "true"},
+        {'a', "97"},
+        {INT64_MIN, "-9223372036854775808"},
+        {UINT64_MAX, "18446744073709551615"},
+    };
+    for (const JsonNumberCase &row : cases)
+        EXPECT_EQ(row.number.compact(), row.written);
+}
+
+TEST(HostJson, MembersAreFoundAgainAndLaterOnesComeBehind)
+{
+    host::Json object = {{"b", 1}};
+    object["a"] = host::Json::array();
+    object["a"].push_back("x");
+    object["b"] = 2;
+    EXPECT_EQ(object.compact(), "{\"b\": 2, \"a\": [\"x\"]}");
 }
 
 }   // namespace

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <pty.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -126,6 +127,30 @@ std::string HostTest::zerbWell(const Words &words) const
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
     return outcome.output;
+}
+
+std::string HostTest::zerbOnTerminal(const Words &words, const std::string &typed) const
+{
+    Setting setting;
+    setting.directory = folder_.path();
+    int terminal = -1;
+    pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (process == 0)
+    {
+        setenv("TERM", "xterm", 1);
+        unsetenv("NO_COLOR");
+        if (chdir(setting.directory.c_str()) != 0)
+            _exit(126);
+        becomeProgram(words, setting);
+    }
+    EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+    std::string shown;
+    char buffer[512];
+    for (ssize_t count; (count = read(terminal, buffer, sizeof buffer)) > 0;)   // EIO when the program has ended
+        shown.append(buffer, static_cast<std::size_t>(count));
+    close(terminal);
+    EXPECT_LT(statusOf(process), 126);
+    return shown;
 }
 
 nlohmann::json HostTest::info(const std::string &name, const Words &options) const

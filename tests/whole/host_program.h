@@ -44,6 +44,9 @@ protected:
     // Runs it and makes the test fail unless it ends with status 0 and says nothing on standard error.
     std::string zerbWell(const Words &words) const;
 
+    // Runs it on a terminal of its own, at which this is typed, and returns all that the terminal showed.
+    std::string zerbOnTerminal(const Words &words, const std::string &typed = "") const;
+
     // What `zerb info --json` says of one object.
     nlohmann::json info(const std::string &name, const Words &options = {}) const;
 

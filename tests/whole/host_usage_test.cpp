@@ -59,6 +59,14 @@ const UsageCase usageCases[] = {
     {"Contradiction", {"set", "--lock", "--unlock", "x"}, "contradicts"},
     {"FlagSetAndCleared", {"set", "--set-flags", "0x4000", "--visible", "x"}, "0x4000 are both"},
     {"NoDestination", {"attrs", "x"}, "DEST is required"},
+    {"NoFolderToMoveTo", {"mv", "x"}, "the folder to move to is missing"},
+    {"OneNameForTwo", {"mv", "--name", "n", "x", "y", "z"}, "only one object can get a name"},
+    {"SlashInAName", {"rename", "x", "a/b"}, "NAME: \"a/b\" is no name"},
+    {"UnknownOrder", {"ls", "--sort", "colour"}, "--sort: \"colour\" is none of name, size, date, type, none"},
+    {"BothWays", {"rename", "--native", "--compat", "x", "y"}, "excludes --"},
+    {"NoSize", {"find", "--larger", "much"}, "--larger: \"much\" is no size"},
+    {"FlagSetAndClear", {"find", "--visible", "--flags", "+isInvisible"}, "both set and clear"},
+    {"QuietProgress", {"rm", "--quiet", "--progress", "x"}, "excludes"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Words, HostUsage, testing::ValuesIn(usageCases), [](const auto &row) { return row.param.name; });
@@ -67,7 +75,7 @@ TEST(HostHelp, ExplainsEveryCommandWithExamples)
 {
     Outcome general = runHost({"--help"});
     EXPECT_EQ(general.status, 0);
-    for (const char *command : {"info", "set", "touch", "attrs", "text"})
+    for (const char *command : {"info", "set", "touch", "attrs", "text", "ls", "tree", "find", "mv", "rename", "swap", "rm"})
     {
         EXPECT_THAT(general.output, HasSubstr("\n  " + std::string(command) + " "));
         Outcome help = runHost({command, "--help"});

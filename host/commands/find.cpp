@@ -1,0 +1,213 @@
+// zerb find: looks for objects in whole trees, and says where they are while it goes.
+#include "host/commands.h"
+
+#include "host/catalog_json.h"
+#include "host/commands/find_criteria.h"
+#include "host/commands/trees.h"
+#include "host/text.h"
+
+#include "platform/files.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace host
+{
+
+namespace
+{
+
+enum class Form
+{
+    lines,
+    endedByZero,
+    json
+};
+
+struct Options
+{
+    std::vector<std::string> paths;
+    Links links = Links::follow;
+    UInt32 levels = 0;
+    Form form = Form::lines;
+    FindCriteria criteria;
+};
+
+// The way from the folder where the search began to where it is. A folder's name is asked for when a path needs it, and then remembered.
+class Way
+{
+public:
+    explicit Way(const std::string &start) : start_(start) {}
+
+    // The walk has come to this folder, before what is inside it.
+    void enter(UInt32 level, const FSRef &folder, const std::string *name)
+    {
+        folders_.resize(level - 1);
+        folders_.push_back({folder, name != nullptr ? *name : std::string()});
+    }
+
+    std::string pathOf(UInt32 level, const std::string &name)
+    {
+        std::string path = start_;
+        for (UInt32 above = 1; above < level; ++above)
+            path = pathInFolder(path, nameOf(folders_[above - 1]));
+        return pathInFolder(path, name);
+    }
+
+private:
+    struct Folder
+    {
+        FSRef ref;
+        std::string name;   // empty until it was needed
+    };
+
+    static const std::string &nameOf(Folder &folder);
+
+    const std::string &start_;
+    std::vector<Folder> folders_;
+};
+
+// Null if the object has gone meanwhile.
+std::optional<std::string> nameOfObject(const FSRef &ref)
+{
+    HFSUniStr255 name = {};
+    if (FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr) != noErr)
+        return std::nullopt;
+    return pathComponentFromName(name);
+}
+
+const std::string &Way::nameOf(Folder &folder)
+{
+    if (folder.name.empty())
+        folder.name = nameOfObject(folder.ref).value_or("?");   // gone, and what was found in it with it
+    return folder.name;
+}
+
+// Says where objects are, at once.
+class Output
+{
+public:
+    explicit Output(Form form) : form_(form)
+    {
+        if (form == Form::json)
+            array_.emplace();
+    }
+
+    void object(const std::string &path, const FSCatalogInfo &catalog)
+    {
+        if (form_ == Form::json)
+            array_->add({{"path", path}, {"kind", isFolder(catalog) ? "folder" : "file"}});
+        else if (form_ == Form::lines)
+            std::printf("%s\n", printable(path).c_str());
+        else
+            std::fwrite(path.c_str(), 1, path.size() + 1, stdout);
+    }
+
+    void failure(const std::string &path, OSStatus result)
+    {
+        if (form_ == Form::json)
+            array_->add(errorJson(path, result));
+    }
+
+private:
+    Form form_;
+    std::optional<JsonArrayOutput> array_;
+};
+
+// One search below one folder. What nobody asked for costs nothing for each object: names come with the walk only where most are wanted.
+class Search
+{
+public:
+    Search(const std::string &start, const FindCriteria &criteria, Output &output)
+        : criteria_(criteria), output_(output), way_(start), namesComeAlong_(criteria.name || !criteria.selectsFew())
+    {
+    }
+
+    OSErr run(const Plugin &plugin, const FSRef &folder, UInt32 levels)
+    {
+        auto look = [this](UInt32 level, const FSCatalogInfo &catalog, const FSRef &ref, const HFSUniStr255 *name) {
+            visit(level, catalog, ref, name);
+            return false;
+        };
+        return walkFolder(plugin, folder, levels, criteria_.infoNeeded(), namesComeAlong_, look);
+    }
+
+private:
+    void visit(UInt32 level, const FSCatalogInfo &catalog, const FSRef &ref, const HFSUniStr255 *unicodeName)
+    {
+        std::optional<std::string> name;
+        if (unicodeName != nullptr)
+            name = pathComponentFromName(*unicodeName);
+        if (criteria_.areMetBy(catalog, name ? &*name : nullptr))
+        {
+            if (!name)
+                name = nameOfObject(ref);
+            if (name)
+                output_.object(way_.pathOf(level, *name), catalog);
+        }
+        if (isFolder(catalog))
+            way_.enter(level, ref, name ? &*name : nullptr);
+    }
+
+    const FindCriteria &criteria_;
+    Output &output_;
+    Way way_;
+    bool namesComeAlong_;
+};
+
+void findAll(Invocation &invocation, const Options &options)
+{
+    Output output(options.form);
+    for (const std::string &path : options.paths)
+    {
+        FSRef folder;
+        OSStatus result = findObject(path, options.links, folder);
+        if (result == noErr)
+            result = Search(path, options.criteria, output).run(invocation.plugin, folder, options.levels);
+        if (result == noErr)
+            continue;
+        invocation.report.failure(path, result);
+        output.failure(path, result);
+    }
+}
+
+Action declareFind(Arguments &arguments)
+{
+    auto options = std::make_shared<Options>();
+    arguments.optionalPaths("PATH", options->paths, "folders to look in; none: the current directory");
+    arguments.links(options->links);
+    addCriteria(arguments, options->criteria);
+    arguments.number("--levels", "N", options->levels, 0xFFFFFFFF, "how deep to go; 0, or without this option: all the way");
+    Arguments::Item json = arguments.flag(
+        "--json", [options] { options->form = Form::json; }, "one array with one object for each that was found");
+    arguments
+        .flag(
+            "-0,--null", [options] { options->form = Form::endedByZero; }, "paths as they are, each ended by a zero byte")
+        .excludes(json);
+    arguments.finalCheck([options] {
+        if (options->criteria.flags.bitsToSet & options->criteria.flags.bitsToClear)
+            throw UsageError("no object has a Finder flag both set and clear");
+    });
+    return [options](Invocation &invocation) {
+        if (options->paths.empty())
+            options->paths.push_back(".");
+        findAll(invocation, *options);
+    };
+}
+
+}   // namespace
+
+const Command findCommand = {
+    "find",
+    "Look for files and folders by what is known of them",
+    "Shows the paths of all objects below each PATH that meet every criterion, as they are found; the PATH itself\n"
+    "is not among them. Without a criterion that is all of them, hidden ones too. Symbolic links are not followed.\n"
+    "A folder that may not be read looks empty, and may hide what comes behind it in its own folder.\n",
+    "  zerb find --type TEXT --creator ttxt Projects\n"
+    "  zerb find --locked -0 | xargs -0 zerb set --unlock --\n"
+    "  zerb find --kind folder --iname 'old*' --older 2001-01-01\n"
+    "  zerb find --flags +hasBundle,-isInvisible --larger 1M --json /Applications\n",
+    declareFind,
+};
+
+}   // namespace host
