@@ -220,7 +220,7 @@ const Command copyCommand = {
     "Copy files with both forks and all metadata",
     "The volume copies: data, resource fork, type, flags, dates and attributes. Nothing is ever replaced: a file of that\n"
     "name is a failure (dupFNErr). Folders are not copied. A copy is there as a whole or not at all.\n"
-    "A new name that has more than 31 bytes in the system's text encoding, or characters that it lacks, is given in a\n"
+    "A new name that has more than 31 bytes in the system's text encoding, or characters outside ASCII, is given in a\n"
     "second step: until then the copy is called zerb-NUMBER, also on the disk where --sync is given.\n"
     "With --by-forks both forks and the catalog's information are copied, and other attributes of Linux are not.\n",
     "  zerb copy Letter1 Letter2 Folder\n"

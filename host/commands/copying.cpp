@@ -21,12 +21,13 @@ bool isSameName(const HFSUniStr255 &one, const HFSUniStr255 &other)
     return one.length == other.length && std::equal(one.unicode, one.unicode + one.length, other.unicode);
 }
 
-// A name that comes back, unit by unit, from the short name that the service is given.
+// A name of which the service makes the same one again. With letters beyond ASCII a short name does not say whether an accent is a character of its own.
 bool isPlain(const Plugin &plugin, const HFSUniStr255 &name)
 {
     Str31 shortName = {};
     HFSUniStr255 back = {};
-    return plugin.UnicodeNameGetHFSName(name.length, name.unicode, kTextEncodingUnknown, false, shortName) == noErr &&
+    bool isAscii = std::all_of(name.unicode, name.unicode + name.length, [](UniChar unit) { return unit < 0x80; });
+    return isAscii && plugin.UnicodeNameGetHFSName(name.length, name.unicode, kTextEncodingUnknown, false, shortName) == noErr &&
            plugin.HFSNameGetUnicodeName(shortName, kTextEncodingUnknown, &back) == noErr && isSameName(name, back);
 }
 

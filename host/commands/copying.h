@@ -32,8 +32,8 @@ struct Copied
     const char *way = "";   // for people: "by the volume", …
 };
 
-// Copies a file; nothing is replaced, and after a failure nothing is left of the copy. A name that the service cannot take, since it does not come
-// back from a short name of 31 bytes, is given by renaming a copy that was made under a temporary name.
+// Copies a file; nothing is replaced, and after a failure nothing is left of the copy. A name that the service cannot take exactly, since it is
+// given a short name of 31 bytes, is given by renaming a copy that was made under a temporary name.
 // `advance` is told of bytes as they are copied fork by fork; the service tells by standin::setCopyProgress.
 Copied copyFile(const Plugin &plugin, const FSRef &file, const CopyTarget &target, CopyWay way, const std::function<void(UInt64)> &advance);
 

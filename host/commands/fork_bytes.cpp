@@ -104,7 +104,8 @@ OSErr copyFork(const Plugin &plugin, const ForkedFile &from, const ForkedFile &t
 
 void addForkOption(Arguments &arguments, ForkKind &kind)
 {
-    arguments.flag("--resource", [&kind] { kind = ForkKind::resource; }, "the resource fork instead of the data fork");
+    arguments.flag(
+        "--resource", [&kind] { kind = ForkKind::resource; }, "the resource fork instead of the data fork");
 }
 
 }   // namespace host

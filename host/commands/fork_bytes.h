@@ -63,8 +63,8 @@ public:
     UInt32 size() const { return size_; }
 
 private:
+    UInt32 size_ = 0;   // before the block, whose making writes it
     Ptr bytes_;
-    UInt32 size_ = 0;
 };
 
 // Reads so many bytes, or up to the end, piece by piece. `take` returns false to end it. Pieces but for the last one are multiples of 4096 bytes.

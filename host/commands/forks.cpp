@@ -177,8 +177,12 @@ Action declareCopy(Arguments &arguments)
     auto options = std::make_shared<CopyOptions>();
     arguments.path("FROM", options->from, "the file to read");
     arguments.path("TO", options->to, "a file that is there; its forks get the bytes");
-    Arguments::Item data = arguments.flag("--data", [options] { options->only = ForkKind::data; }, "only the data fork");
-    arguments.flag("--resource", [options] { options->only = ForkKind::resource; }, "only the resource fork").excludes(data);
+    Arguments::Item data = arguments.flag(
+        "--data", [options] { options->only = ForkKind::data; }, "only the data fork");
+    arguments
+        .flag(
+            "--resource", [options] { options->only = ForkKind::resource; }, "only the resource fork")
+        .excludes(data);
     arguments.flag("-v,--verbose", options->verbose, "say what was copied");
     return [options](Invocation &invocation) { copyForks(invocation, *options); };
 }

@@ -36,7 +36,10 @@ struct Options
 void declareFiles(Arguments &arguments, Options &options, const char *optionName, const std::string &description)
 {
     arguments.path("FILE", options.path, "a file; what a symbolic link leads to");
-    arguments.text(optionName, "LINUXFILE", [&options](const std::string &typed) { options.other = typed; }, description).require();
+    arguments
+        .text(
+            optionName, "LINUXFILE", [&options](const std::string &typed) { options.other = typed; }, description)
+        .require();
     addForkOption(arguments, options.kind);
     arguments.progress(options.progress);
 }
@@ -229,14 +232,15 @@ void importFork(Invocation &invocation, const Options &options)
     try
     {
         InputFile input(options.other);
-        OSErr result = options.inPlace ? fillFork(invocation.plugin, file.ref, input, options)
-                                       : replaceFork(invocation.plugin, file, input, options);
+        OSErr result =
+            options.inPlace ? fillFork(invocation.plugin, file.ref, input, options) : replaceFork(invocation.plugin, file, input, options);
         if (result == noErr)
             return;
         invocation.report.failure(options.path, result, "replacing the " + std::string(nameOfFork(options.kind)));
         if (!options.inPlace && (result == paramErr || result == afpAccessDenied || result == permErr))
-            invocation.report.remark(options.path, "cannot be exchanged for a new file, as one with several names or on a volume without that "
-                                                   "service; --in-place writes into it");
+            invocation.report.remark(options.path,
+                                     "cannot be exchanged for a new file, as one with several names or on a volume without that "
+                                     "service; --in-place writes into it");
     }
     catch (const InputError &error)
     {

@@ -91,12 +91,9 @@ TextRow shortened(const Plugin &plugin, const std::string &text, const Options &
         fail(result, options);
     std::string bytes = bytesOfPascal(shortName);
     std::string back = bytesFromName(unicodeOf(plugin, shortName, options));
-    Json members = {{"text", text},
-                    {"encoding", encodingJson(options.encoding)},
-                    {"length", shortName[0]},
-                    {"hex", hexDump(bytes)},
-                    {"unicode", back},
-                    {"same_again", back == text}};
+    Json members = {{"text", text},           {"encoding", encodingJson(options.encoding)},
+                    {"length", shortName[0]}, {"hex", hexDump(bytes)},
+                    {"unicode", back},        {"same_again", back == text}};
     return {hexDump(bytes) + "  " + back, std::move(members)};
 }
 
@@ -124,12 +121,8 @@ TextRow lengthened(const Plugin &plugin, const std::string &dump, const Options 
     Json units = Json::array();
     for (unsigned index = 0; index < name.length; ++index)
         units.push_back(static_cast<UniChar>(name.unicode[index]));
-    Json members = {{"text", dump},
-                    {"encoding", encodingJson(options.encoding)},
-                    {"hex", hexDump(bytes)},
-                    {"unicode", text},
-                    {"length", static_cast<UInt16>(name.length)},
-                    {"units", std::move(units)}};
+    Json members = {{"text", dump},    {"encoding", encodingJson(options.encoding)}, {"hex", hexDump(bytes)},
+                    {"unicode", text}, {"length", static_cast<UInt16>(name.length)}, {"units", std::move(units)}};
     return {unitsText(name) + "  " + text, std::move(members)};
 }
 

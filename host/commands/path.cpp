@@ -217,7 +217,8 @@ void showTriple(Invocation &invocation, const Options &options)
     {
         invocation.report.failure(words, result);
         if (result == dirNFErr)
-            invocation.report.remark(words, "a folder's number is known once a path has led to it: give a path of anything in it as VOLUME");
+            invocation.report.remark(words,
+                                     "a folder's number is known once a path has led to it: give a path of anything in it as VOLUME");
         list.push_back(errorJson(words, result));
     }
     if (options.json)
@@ -240,9 +241,7 @@ Action declarePath(Arguments &arguments)
     arguments.flag("--from", options->isTriple, "make a path of a volume, a folder's ID and the name of something in it");
     arguments.json(options->json);
     arguments.finalCheck([options] { checkOptions(*options); });
-    return [options](Invocation &invocation) {
-        options->isTriple ? showTriple(invocation, *options) : showPaths(invocation, *options);
-    };
+    return [options](Invocation &invocation) { options->isTriple ? showTriple(invocation, *options) : showPaths(invocation, *options); };
 }
 
 }   // namespace

@@ -1,4 +1,5 @@
 // Programs that know the sidecar format from elsewhere recognise ours.
+#include "tests/standin/copies.h"
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
@@ -64,6 +65,29 @@ TEST_P(Archivers, APackedFolderKeepsTheForkForThem)
     EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
     FSRef ref = refAt(folder() / "unpacked/document");
     EXPECT_EQ(forkOf(ref), fork);
+}
+
+TEST_P(Archivers, ReadTheForkOfACopy)
+{
+    if (!programExists("lsar") || !programExists("unar") || !programExists("bsdtar"))
+        GTEST_SKIP() << "no lsar, unar or bsdtar on this machine";
+    const Bytes fork = patternBytes(70000, 3);
+    const FSRef source = forkedFile("original", fork);
+    ASSERT_EQ(copyFile(source, refAt(folder().path()), "document"), noErr);
+    mkdir((folder() / "unpacked").c_str(), 0755);
+    Ended packed = run({"bsdtar", "-cf", folder() / "archive.tar", "-C", folder().path(), "._document", "document"});
+    ASSERT_EQ(packed.status, 0) << packed.output;
+
+    // Both take the two entries for one file.
+    EXPECT_EQ(run({"bsdtar", "--options", "mac-ext", "-tf", folder() / "archive.tar"}).output, "document\n");
+    std::string listing = run({"lsar", "-l", folder() / "archive.tar"}).output;
+    EXPECT_NE(listing.find("document"), std::string::npos) << listing;
+
+    Ended unpacked =
+        run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
+    ASSERT_EQ(unpacked.status, 0) << unpacked.output;
+    EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
+    EXPECT_EQ(forkOf(refAt(folder() / "unpacked/document")), fork);
 }
 
 ON_EVERY_DISK(Archivers);

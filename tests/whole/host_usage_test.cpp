@@ -66,6 +66,13 @@ const UsageCase usageCases[] = {
     {"BothWays", {"rename", "--native", "--compat", "x", "y"}, "excludes --"},
     {"NoSize", {"find", "--larger", "much"}, "--larger: \"much\" is no size"},
     {"FlagSetAndClear", {"find", "--visible", "--flags", "+isInvisible"}, "both set and clear"},
+    {"NoDestinationToCopyTo", {"copy", "x"}, "the destination is missing"},
+    {"NoSuchTextEncoding",
+     {"name", "short", "--encoding", "klingon", "x"},
+     "--encoding: \"klingon\" is neither a number nor one of roman, "},
+    {"HalfATriple", {"path", "--from", "Linux"}, "wants VOLUME DIRID"},
+    {"FolderIDIsNoNumber", {"path", "--from", "Linux", "x"}, "\"x\" is not a number"},
+    {"NoFileToImport", {"forks", "import", "x"}, "--from is required"},
     {"QuietProgress", {"rm", "--quiet", "--progress", "x"}, "excludes"},
 };
 
@@ -75,7 +82,8 @@ TEST(HostHelp, ExplainsEveryCommandWithExamples)
 {
     Outcome general = runHost({"--help"});
     EXPECT_EQ(general.status, 0);
-    for (const char *command : {"info", "set", "touch", "attrs", "text", "ls", "tree", "find", "mv", "rename", "swap", "rm"})
+    for (const char *command :
+         {"info", "set", "touch", "attrs", "text", "ls", "tree", "find", "mv", "rename", "swap", "rm", "copy", "forks", "path", "name"})
     {
         EXPECT_THAT(general.output, HasSubstr("\n  " + std::string(command) + " "));
         Outcome help = runHost({command, "--help"});
