@@ -42,6 +42,10 @@ OSErr setVolumeLock(FSVolumeRefNum volume, bool locked);
 // What is wrong with ZERB_STARTUP_VOLUME or ZERB_VOLUMES, in one sentence without a full stop, or null. With a bad startup volume every call gives nsvErr.
 const char *environmentProblem();
 
+// Where file IDs and other lasting state of this user are kept, instead of what ZERB_STATE_FOLDER or XDG_STATE_HOME say. Made when it is first needed.
+// An empty path goes back to those.
+void useStateFolder(const std::string &directory);
+
 // Gets every notification that FNNotify sends in this process, on the caller's thread, before FNNotify returns.
 using NotificationObserver = std::function<void(const FSRef &object, UInt32 message, OptionBits options)>;
 

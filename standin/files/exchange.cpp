@@ -6,6 +6,7 @@
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
 #include "standin/files/exchanged_objects.h"
+#include "standin/files/file_ids.h"
 #include "standin/files/forks.h"
 #include "standin/files/metadata.h"
 #include "standin/files/metadata_attributes.h"
@@ -244,6 +245,7 @@ OSErr exchangeLocked(Side &first, Side &second)
         noteMoved(first.object, first.object.parentID, first.object.name);
         noteMoved(second.object, second.object.parentID, second.object.name);
     }
+    noteExchangeForFileIDs(first.object.volume, first.object.identity(), second.object.identity());
     const OSErr firstResult = settle(first, second), secondResult = settle(second, first);
     return firstResult != noErr ? firstResult : secondResult;
 }

@@ -6,6 +6,7 @@
 #include "standin/files/state_folder.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -31,7 +32,8 @@ constexpr const char *layout =
     " device INTEGER NOT NULL, inode INTEGER NOT NULL, birth INTEGER NOT NULL, sum INTEGER NOT NULL);"
     "CREATE INDEX folders_by_inode ON folders (inode);"
     "CREATE TABLE files (volume INTEGER NOT NULL, id INTEGER NOT NULL, folder INTEGER NOT NULL, name BLOB NOT NULL,"
-    " device INTEGER NOT NULL, inode INTEGER NOT NULL, birth INTEGER NOT NULL, sum INTEGER NOT NULL, PRIMARY KEY (volume, id)) WITHOUT ROWID;"
+    " device INTEGER NOT NULL, inode INTEGER NOT NULL, birth INTEGER NOT NULL, sum INTEGER NOT NULL, PRIMARY KEY (volume, id)) WITHOUT "
+    "ROWID;"
     "CREATE INDEX files_by_inode ON files (inode);"
     "CREATE INDEX files_by_place ON files (folder, name);"
     "PRAGMA application_id = 1514555716;"
@@ -39,7 +41,7 @@ constexpr const char *layout =
 
 struct Connection
 {
-    std::mutex mutex;
+    std::timed_mutex mutex;
     sqlite3 *database = nullptr;
     bool isReady = false;   // it has our tables
     bool isKept = true;     // for the next one who uses it
@@ -53,6 +55,27 @@ Connection &connection()
 {
     static auto *theConnection = new Connection;   // threads may still use it while the process ends
     return *theConnection;
+}
+
+// Where no database was, and when.
+struct MissingDatabase
+{
+    std::mutex mutex;
+    std::string folder;
+    std::int64_t when = 0;
+};
+
+MissingDatabase &missing()
+{
+    static MissingDatabase database;
+    return database;
+}
+
+void noteMissing(const std::string &folder, bool isMissing)
+{
+    const std::lock_guard lock(missing().mutex);
+    missing().folder = isMissing ? folder : std::string();
+    missing().when = linux_calls::coarseMilliseconds();
 }
 
 // --- result codes --------------------------------------------------------------------------------------------------------------------------
@@ -169,8 +192,9 @@ OSErr openFile(const std::string &name, int flags, int patience)
     sqlite3_extended_result_codes(open.database, 1);
     sqlite3_db_config(open.database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(open.database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    // A kill loses nothing either way; a power cut may lose the last IDs but never damages what is there.
-    return execute("PRAGMA synchronous = NORMAL; PRAGMA cell_size_check = ON");
+    // A kill loses nothing either way; a power cut may lose the last IDs but never damages what is there. The journal may grow to 16 MB, so that many IDs
+    // in a row seldom wait for the disk.
+    return execute("PRAGMA synchronous = NORMAL; PRAGMA cell_size_check = ON; PRAGMA wal_autocheckpoint = 4000");
 }
 
 std::string asImmutableFile(const std::string &path)
@@ -230,7 +254,7 @@ void noteFile(const std::string &path)
     [[maybe_unused]] static const int registered = std::atexit(closeAtExit);
 }
 
-OSErr openAnew(const std::string &folder, DatabaseUse use, int patience)
+OSErr openAnew(const std::string &folder, DatabaseUse use, bool exists, int patience)
 {
     const std::string path = folder + databaseName;
     const int create = use == DatabaseUse::creating ? SQLITE_OPEN_CREATE : 0;
@@ -240,11 +264,11 @@ OSErr openAnew(const std::string &folder, DatabaseUse use, int patience)
     if (use == DatabaseUse::creating)
         if (const int failure = makeStateFolder(folder))
             return resultFromErrno(-failure);
-    if (OSErr result = openFile(path, SQLITE_OPEN_READWRITE | create, patience))
-        return result;
+    OSErr result = openFile(path, SQLITE_OPEN_READWRITE | create, patience);
     noteFile(path);
-    OSErr result = checkKind(isEmpty);
-    if (use == DatabaseUse::reading && (result == wPrErr || result == afpAccessDenied || result == ioErr))
+    if (result == noErr)
+        result = checkKind(isEmpty);
+    if (exists && (result == wPrErr || result == afpAccessDenied || result == ioErr))
     {
         result = openUnchanging(path, patience, result, isEmpty);
         connection().isKept = false;   // what others write later would not be seen
@@ -278,6 +302,8 @@ DatabaseQuery::DatabaseQuery(const char *sql)
 
 DatabaseQuery::~DatabaseQuery()
 {
+    if (!statement_)
+        return;
     sqlite3_reset(statement_);
     sqlite3_clear_bindings(statement_);
 }
@@ -325,17 +351,20 @@ std::string_view DatabaseQuery::bytes(int column) const
 
 // --- the connection ------------------------------------------------------------------------------------------------------------------------
 
-Database::Database(int patience) : lock_(connection().mutex), patience_(patience) {}
+Database::Database(int patience) : lock_(connection().mutex, std::defer_lock), patience_(patience) {}
 
 OSErr Database::open(DatabaseUse use)
 {
     ObjectStatus status;
     const std::string folder = stateFolder();
+    if (!lock_.owns_lock() && !lock_.try_lock_for(std::chrono::milliseconds(patience_)))
+        return fBsyErr;
     if (folder.empty())
         return use == DatabaseUse::creating ? dirNFErr : fidNotFound;
     leaveToParent();
     const std::string path = folder + databaseName;
     const int failure = linux_calls::statusAt(AT_FDCWD, path.c_str(), status);
+    noteMissing(folder, failure != 0 && use == DatabaseUse::reading);
     if (failure != 0 && use == DatabaseUse::reading)
     {
         closeConnection();   // it was taken away
@@ -346,11 +375,24 @@ OSErr Database::open(DatabaseUse use)
         sqlite3_busy_timeout(connection().database, patience_);
         return noErr;
     }
-    const OSErr result = openAnew(folder, use, patience_);
+    const OSErr result = openAnew(folder, use, failure == 0, patience_);
     connection().isReady = result == noErr;
     if (result != noErr)
         closeConnection();
     return result;
+}
+
+void Database::setPatience(int milliseconds)
+{
+    sqlite3_busy_timeout(connection().database, milliseconds);
+}
+
+bool databaseWasMissing()
+{
+    constexpr std::int64_t shortWhile = 100;
+    const std::string folder = stateFolder();
+    const std::lock_guard lock(missing().mutex);
+    return folder.empty() || (missing().folder == folder && linux_calls::coarseMilliseconds() - missing().when < shortWhile);
 }
 
 DatabaseTransaction::~DatabaseTransaction()

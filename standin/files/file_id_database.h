@@ -55,17 +55,22 @@ private:
 class Database
 {
 public:
-    // How long to wait for other processes, in milliseconds.
+    // How long to wait for other threads and then for other processes, in milliseconds.
     explicit Database(int patience);
 
-    // Result: noErr; fidNotFound if there is none and it is only to be read; fBsyErr while another process holds it; ioErr if it is damaged, or no
+    // Result: noErr; fidNotFound if there is none and it is only to be read; fBsyErr while another process or thread holds it; ioErr if it is damaged, or no
     // database of file IDs; wPrErr, afpAccessDenied, dskFulErr and further codes of the disk that it lies on.
     OSErr open(DatabaseUse use);
 
+    void setPatience(int milliseconds);   // from now on
+
 private:
-    std::unique_lock<std::mutex> lock_;
+    std::unique_lock<std::timed_mutex> lock_;
     int patience_;
 };
+
+// Whether there was none when it was looked for last, a tenth of a second ago at most. No system call.
+bool databaseWasMissing();
 
 // Undone if it is not committed.
 class DatabaseTransaction

@@ -102,11 +102,7 @@ std::string storedIdentityOf(const Volume &volume)
     const bool isKnown = linux_calls::diskStatistics(volume.root->number(), disk) == 0 && disk.f_fsid != 0;
     const ObjectStatus &root = volume.rootStatus;
     char text[96];
-    std::snprintf(text,
-                  sizeof text,
-                  "%016" PRIx64 " %" PRIu64 " %" PRIu64,
-                  isKnown ? std::uint64_t{disk.f_fsid} : 0,
-                  root.inode,
+    std::snprintf(text, sizeof text, "%016" PRIx64 " %" PRIu64 " %" PRIu64, isKnown ? std::uint64_t{disk.f_fsid} : 0, root.inode,
                   volume.comparesBirths ? packBirth(root.birth) : 0);
     return isKnown ? text : text + (' ' + volume.path);   // a disk that has no number of its own is known by its place
 }

@@ -44,7 +44,9 @@ std::uint64_t sumOf(RowNumber volume, const StoredFile &file)
 std::uint64_t sumOf(RowNumber volume, const StoredFolder &folder)
 {
     CheckSum sum;
-    sum.add(static_cast<std::uint64_t>(volume)).add(static_cast<std::uint64_t>(folder.number)).add(static_cast<std::uint64_t>(folder.parent));
+    sum.add(static_cast<std::uint64_t>(volume))
+        .add(static_cast<std::uint64_t>(folder.number))
+        .add(static_cast<std::uint64_t>(folder.parent));
     return sum.add(folder.identity).add(folder.name).value();
 }
 
@@ -55,7 +57,8 @@ Identity identityAt(const DatabaseQuery &row, int column)
 
 bool mayBeName(std::string_view name)
 {
-    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
 }
 
 OSErr takeFile(const DatabaseQuery &row, RowNumber volume, StoredFile &file)
@@ -137,13 +140,15 @@ OSErr findFileRow(RowNumber volume, UInt32 id, StoredFile &file)
 
 OSErr findFileRowsByIdentity(RowNumber volume, const Identity &identity, std::vector<StoredFile> &files)
 {
-    DatabaseQuery query("SELECT id, folder, name, device, inode, birth, sum FROM files WHERE inode = ? AND device = ? AND volume = ? ORDER BY id");
+    DatabaseQuery query(
+        "SELECT id, folder, name, device, inode, birth, sum FROM files WHERE inode = ? AND device = ? AND volume = ? ORDER BY id");
     return takeFiles(query.with(identity.inode).with(identity.device).with(volume), volume, files);
 }
 
 OSErr findFileRowsByPlace(RowNumber volume, RowNumber folder, const std::string &name, std::vector<StoredFile> &files)
 {
-    DatabaseQuery query("SELECT id, folder, name, device, inode, birth, sum FROM files WHERE folder = ? AND name = ? AND volume = ? ORDER BY id");
+    DatabaseQuery query(
+        "SELECT id, folder, name, device, inode, birth, sum FROM files WHERE folder = ? AND name = ? AND volume = ? ORDER BY id");
     return takeFiles(query.with(folder).withBytes(name).with(volume), volume, files);
 }
 
@@ -183,7 +188,8 @@ OSErr findFolderRows(RowNumber volume, RowNumber folder, std::vector<StoredFolde
 
 OSErr findFolderRow(RowNumber volume, const Identity &identity, StoredFolder &folder)
 {
-    DatabaseQuery query("SELECT number, parent, name, device, inode, birth, sum FROM folders WHERE inode = ? AND device = ? AND volume = ?");
+    DatabaseQuery query(
+        "SELECT number, parent, name, device, inode, birth, sum FROM folders WHERE inode = ? AND device = ? AND volume = ?");
     query.with(identity.inode).with(identity.device).with(volume);
     while (query.next())
     {

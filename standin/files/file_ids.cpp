@@ -132,16 +132,20 @@ OSErr writeNote(const PlaceNote &note)
 }
 
 // With the database open. Whatever else goes wrong with a note will not go better the next time.
-void writeNotes()
+void writeNotes(Database &database, int patience)
 {
+    database.setPatience(patience);
     const std::lock_guard lock(noteQueue().mutex);
     auto &notes = noteQueue().notes;
     while (!notes.empty() && writeNote(notes.front()) != fBsyErr)
         notes.pop_front();
 }
 
+// Where there are no IDs at all, that is looked for ten times a second at most.
 void takeNote(PlaceNote note)
 {
+    if (databaseWasMissing())
+        return;
     {
         const std::lock_guard lock(noteQueue().mutex);
         auto &notes = noteQueue().notes;
@@ -152,7 +156,7 @@ void takeNote(PlaceNote note)
     Database database(patienceOfNotes);
     const OSErr result = database.open(DatabaseUse::reading);
     if (result == noErr)
-        return writeNotes();
+        return writeNotes(database, patienceOfNotes);
     if (result == fBsyErr)
         return;
     const std::lock_guard lock(noteQueue().mutex);
@@ -249,7 +253,8 @@ OSErr createID(FIDParam &block)
     NewID wanted{object, 0, 0, storedIdentityOf(*object.volume, object.identity()), 0};
     if (OSErr result = database.open(DatabaseUse::creating))
         return result;
-    writeNotes();
+    writeNotes(database, noPatience);
+    database.setPatience(patienceOfCalls);
     if (OSErr result = transaction.begin(DatabaseTransaction::writing))
         return result;
     const OSErr given = giveID(wanted);
@@ -276,7 +281,8 @@ OSErr readPlace(const Volume &volume, UInt32 id, StoredPlace &place)
     DatabaseTransaction transaction;
     if (OSErr result = database.open(DatabaseUse::reading))
         return result;
-    writeNotes();
+    writeNotes(database, noPatience);
+    database.setPatience(patienceOfCalls);
     if (OSErr result = transaction.begin(DatabaseTransaction::reading))
         return result;
     if (OSErr result = findVolumeRow(storedIdentityOf(volume), place.volumeRow))
@@ -302,7 +308,8 @@ void noteWhereFound(const Object &found, StoredPlace &place)
 {
     Database database(noPatience);
     DatabaseTransaction transaction;
-    if (isWhereItWas(found, place) || database.open(DatabaseUse::reading) != noErr || transaction.begin(DatabaseTransaction::writing) != noErr)
+    if (isWhereItWas(found, place) || database.open(DatabaseUse::reading) != noErr ||
+        transaction.begin(DatabaseTransaction::writing) != noErr)
         return;
     StoredFile now;
     const bool isUnchanged = findFileRow(place.volumeRow, place.file.id, now) == noErr && sameObject(now.identity, place.file.identity);

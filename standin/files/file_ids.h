@@ -8,7 +8,7 @@
 namespace standin
 {
 
-// This process gave an object another place: `object` is as it was before. Costs one look where this user has no file IDs. Never fails: what cannot be
+// This process gave an object another place: `object` is as it was before. Costs next to nothing where this user has no file IDs. Never fails: what cannot be
 // written now, because another process is writing, is written with what comes next. Not to be called while a PlaceChange is held.
 void noteMoveForFileIDs(const Object &object, UInt32 newParentID, const std::string &newName);
 

@@ -50,31 +50,32 @@ int lookUp(Ask ask, Take take, const char *call)
 
 int userName(std::uint32_t user, std::string &name)
 {
-    return lookUp<passwd>([&](auto... rest) { return ::getpwuid_r(user, rest...); }, [&](const passwd &found) { name = found.pw_name; }, __func__);
+    return lookUp<passwd>([&](auto... rest) { return ::getpwuid_r(user, rest...); }, [&](const passwd &found) { name = found.pw_name; },
+                          __func__);
 }
 
 int groupName(std::uint32_t number, std::string &name)
 {
-    return lookUp<group>([&](auto... rest) { return ::getgrgid_r(number, rest...); }, [&](const group &found) { name = found.gr_name; }, __func__);
+    return lookUp<group>([&](auto... rest) { return ::getgrgid_r(number, rest...); }, [&](const group &found) { name = found.gr_name; },
+                         __func__);
 }
 
 int userNamed(const std::string &name, std::uint32_t &user)
 {
     return lookUp<passwd>([&](auto... rest) { return ::getpwnam_r(name.c_str(), rest...); },
-                          [&](const passwd &found) { user = found.pw_uid; },
-                          __func__);
+                          [&](const passwd &found) { user = found.pw_uid; }, __func__);
 }
 
 int groupNamed(const std::string &name, std::uint32_t &number)
 {
     return lookUp<group>([&](auto... rest) { return ::getgrnam_r(name.c_str(), rest...); },
-                         [&](const group &found) { number = found.gr_gid; },
-                         __func__);
+                         [&](const group &found) { number = found.gr_gid; }, __func__);
 }
 
 int homeFolder(std::uint32_t user, std::string &path)
 {
-    return lookUp<passwd>([&](auto... rest) { return ::getpwuid_r(user, rest...); }, [&](const passwd &found) { path = found.pw_dir; }, __func__);
+    return lookUp<passwd>([&](auto... rest) { return ::getpwuid_r(user, rest...); }, [&](const passwd &found) { path = found.pw_dir; },
+                          __func__);
 }
 
 bool isInGroup(std::uint32_t group)

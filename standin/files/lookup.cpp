@@ -1,6 +1,7 @@
 // From volume, directory and name to a reference.
 #include "platform/platform.h"
 #include "standin/files/block_lookup.h"
+#include "standin/files/default_directory.h"
 #include "standin/files/names.h"
 #include "standin/files/short_lookups.h"
 
@@ -10,8 +11,6 @@ using namespace standin;
 
 namespace
 {
-
-constexpr SInt32 defaultDirectory = 0;
 
 FSRef rememberedReference(const Object &object)
 {
@@ -57,10 +56,10 @@ namespace standin
 
 OSErr findByTriple(FSVolumeRefNum volumeNumber, SInt32 directoryID, ConstStr255Param name, Object &object)
 {
-    const VolumeHandle volume = findVolume(volumeNumber);
-    const auto folderID = directoryID == defaultDirectory ? static_cast<UInt32>(fsRtDirID) : static_cast<UInt32>(directoryID);
-    if (!volume)
-        return nsvErr;
+    VolumeHandle volume;
+    UInt32 folderID = 0;
+    if (OSErr result = directoryOfBlock(volumeNumber, directoryID, volume, folderID))
+        return result;
     if (!name || name[0] == 0)
         return findFolder(volume, folderID, object);
     if (folderID == fsRtParID)

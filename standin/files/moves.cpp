@@ -3,6 +3,7 @@
 #include "standin/files/block_lookup.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
+#include "standin/files/file_ids.h"
 #include "standin/files/moved_objects.h"
 #include "standin/files/names.h"
 #include "standin/files/reference_format.h"
@@ -69,6 +70,11 @@ OSErr place(const Object &object, const Target &target)
 }
 
 // With the locks of both folders held, and the object found again under them.
+//
+// Nothing here can be left out where there is neither sidecar nor attribute, not even the lock among processes: that there is none is what was seen, not
+// what will be. Another process of ours that gives the file a fork looks at the file and then makes its sidecar; were the file renamed between these two,
+// the sidecar would come to lie at the old name. A look behind the renaming is no help, as that sidecar may be made later still. What a listing showed is
+// too old, too: the folder's date would tell of a sidecar made since, but after each change of ours, nobody could tell another program's from ours.
 OSErr moveTo(Object &object, const Target &target)
 {
     bool hasSidecar = false;
@@ -78,8 +84,11 @@ OSErr moveTo(Object &object, const Target &target)
     if (OSErr result = checkMayLeave(object))
         return result;
     if (!isWhereItIs(object, target))
+    {
         if (OSErr result = place(object, target))
             return result;
+        noteMoveForFileIDs(object, target.folderID, target.name);
+    }
     object.parentID = target.folderID;
     object.folder = target.folder;
     object.name = target.name;

@@ -42,6 +42,16 @@ std::string homeOfUser()
     return home;
 }
 
+std::string folderFromEnvironment()
+{
+    if (std::string named = absolutePathFrom("ZERB_STATE_FOLDER"); !named.empty())
+        return named;
+    if (const std::string states = absolutePathFrom("XDG_STATE_HOME"); !states.empty())
+        return states + "/zerb";
+    const std::string home = homeOfUser();
+    return home.empty() ? home : home + "/.local/state/zerb";
+}
+
 }   // namespace
 
 void useStateFolder(const std::string &directory)
@@ -52,15 +62,9 @@ void useStateFolder(const std::string &directory)
 
 std::string stateFolder()
 {
+    static const std::string usual = folderFromEnvironment();   // read once: other threads may change it later
     const std::lock_guard lock(chosen().mutex);
-    if (!chosen().path.empty())
-        return chosen().path;
-    if (std::string named = absolutePathFrom("ZERB_STATE_FOLDER"); !named.empty())
-        return named;
-    if (const std::string states = absolutePathFrom("XDG_STATE_HOME"); !states.empty())
-        return states + "/zerb";
-    const std::string home = homeOfUser();
-    return home.empty() ? home : home + "/.local/state/zerb";
+    return chosen().path.empty() ? usual : chosen().path;
 }
 
 int makeStateFolder(const std::string &path)

@@ -63,7 +63,8 @@ OSErr mapName(ObjParam &block)
     int failure = -ENOENT;
     std::uint32_t number = 0;
     for (std::size_t i = 0; i < forms.size() && failure == -ENOENT; ++i)
-        failure = block.ioObjType == userNameToNumber ? linux_calls::userNamed(forms[i], number) : linux_calls::groupNamed(forms[i], number);
+        failure =
+            block.ioObjType == userNameToNumber ? linux_calls::userNamed(forms[i], number) : linux_calls::groupNamed(forms[i], number);
     if (failure == 0)
         block.ioObjID = static_cast<SInt32>(number);
     return resultFromErrno(-failure);

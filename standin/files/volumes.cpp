@@ -1,6 +1,7 @@
 #include "standin/files/volumes.h"
 
 #include "standin/files/attribute_format.h"
+#include "standin/files/default_directory.h"
 #include "standin/files/directories.h"
 #include "standin/files/errors.h"
 #include "standin/files/forks.h"
@@ -235,7 +236,7 @@ OSErr Volume::checkChangeable() const
 
 VolumeHandle findVolume(FSVolumeRefNum number)
 {
-    return number == 0 ? startupVolume() : findWhere([&](const Volume &volume) { return volume.number == number; });
+    return number == 0 ? defaultVolume() : findWhere([&](const Volume &volume) { return volume.number == number; });
 }
 
 VolumeHandle startupVolume()

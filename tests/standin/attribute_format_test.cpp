@@ -238,7 +238,7 @@ TEST(SidecarLock, Entry10IsTheLowestBitOfTheLastByte)
 const UTCDateTime creation = {1, 0x02030405, 0x0607};
 const UTCDateTime backup = {2, 0x12131415, 0x0809};
 const Bytes fullRecord = {
-    0x5A, 0x45, 0x52, 0x42, 1,    0x1F, 0, 0,   // tag, version, all five flags, reserved
+    0x5A, 0x45, 0x52, 0x42, 1,    0x3F, 0, 0,   // tag, version, all six flags, reserved
     0x00, 0x00, 0x00, 0x1D,                     // hint
     0,    1,    0x02, 0x03, 0x04, 0x05, 6, 7,   // creation date: high, low, fraction
     0,    2,    0x12, 0x13, 0x14, 0x15, 8, 9,   // backup date
@@ -252,7 +252,7 @@ Bytes built(const OwnRecord &record)
 
 TEST(OwnRecord, ByteByByte)
 {
-    const OwnRecord record = {true, 0x1D, creation, backup, true};
+    const OwnRecord record = {true, 0x1D, creation, backup, true, true};
     EXPECT_EQ(built(record), fullRecord);
     Bytes empty(28);
     std::copy_n(fullRecord.begin(), 5, empty.begin());
@@ -261,7 +261,7 @@ TEST(OwnRecord, ByteByByte)
 
 TEST(OwnRecord, EachValueIsThereOrNotByItself)
 {
-    for (unsigned flags = 0; flags < 32; ++flags)
+    for (unsigned flags = 0; flags < 64; ++flags)
     {
         SCOPED_TRACE(flags);
         Bytes bytes = fullRecord;
@@ -271,6 +271,7 @@ TEST(OwnRecord, EachValueIsThereOrNotByItself)
         EXPECT_EQ(record->isDefault(), flags == 0);
         EXPECT_EQ(record->locked, (flags & 0x01) != 0);
         EXPECT_EQ(record->finderInfoWasShared, (flags & 0x10) != 0);
+        EXPECT_EQ(record->blankAccess, (flags & 0x20) != 0);
         ASSERT_EQ(record->hint.has_value(), (flags & 0x02) != 0);
         ASSERT_EQ(record->creationDate.has_value(), (flags & 0x04) != 0);
         ASSERT_EQ(record->backupDate.has_value(), (flags & 0x08) != 0);

@@ -55,6 +55,7 @@ int main(int argumentCount, char **arguments)
     if (support::roleWasAsked(argumentCount, arguments, status))
         return status;
     std::string folder = support::makeWorkFolder();
+    setenv("ZERB_STATE_FOLDER", (folder + "/state").c_str(), 1);   // not that of whoever runs the tests
     testProcess = fork();
     if (testProcess == 0)
         return runTests(argumentCount, arguments);
