@@ -67,7 +67,7 @@ struct OwnRecord
     // has cleared it, and the copy no longer counts.
     bool finderInfoWasShared = false;
     bool blankAccess = false;   // of a folder: it was given the access rights of the folder that it lies in
-    bool isDefault() const;   // nothing is set: nothing needs to be written
+    bool isDefault() const;     // nothing is set: nothing needs to be written
 };
 std::array<std::uint8_t, ownRecordSize> buildOwnRecord(const OwnRecord &record);
 

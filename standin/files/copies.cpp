@@ -274,6 +274,8 @@ OSErr copyFile(const CopyParam &block)
         return result;
     if (const int failure = flush(source, copy))
         return resultFromErrno(-failure);
+    // Also where one call gives the copy its name: another process of ours that moves a file there links its sidecar first, and if it were killed then, the
+    // copy would have that fork.
     if (OSErr result = lock.take(*target.volume, target.folderID, target.folder))
         return result;
     if (OSErr result = clearTheWay(target, source.metadata.plan.isWanted))

@@ -15,7 +15,6 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
-#include <optional>
 
 using namespace standin;
 
@@ -27,8 +26,8 @@ namespace
 // A folder on the way to becoming a level.
 struct Opening
 {
-    std::unique_ptr<Level> level = std::make_unique<Level>();
-    FolderHandle folder;   // readable
+    std::unique_ptr<Level> level = std::make_unique_for_overwrite<Level>();   // its members say themselves what they begin with
+    FolderHandle folder;                                                      // readable
 };
 
 void takeFolder(Level &level, const VolumeHandle &volume, UInt32 id, const ObjectStatus &status)
@@ -48,10 +47,11 @@ bool openThroughAbove(const ReferenceFields &fields, Opening &opening)
     VolumeHandle volume;
     std::string name;
     {
-        const LockedLevel above = findLevelReading(fields.volume, fields.parentID, opening.level->deletes);
+        const LockedLevel above = findLevelReading(fields.volume, fields.parentID, opening.level->deletes, folderAbove);
         ListedEntry entry;
-        if (!above || !wasHandedOut(*above, fields, entry) || openFolderOf(*above, folderAbove) != noErr)
+        if (!above || !wasHandedOut(*above, fields, entry) || (!folderAbove && openFolderOf(*above, folderAbove) != noErr))
             return false;
+        noteUse(*above);
         name = entry.name;
         volume = above->volume;
         opening.level->volume = volume;
@@ -195,23 +195,49 @@ void fillFromEntry(const Level &level, const ListedEntry &entry, std::size_t ind
     }
 }
 
-OSErr placeInFolder(Level &level, Object &object)
+// An object in the folder of a level, used for one entry after another and from step to step; its descriptor is the step's alone, so that no more folders
+// stay open than may.
+class PlacedObject
 {
-    object.volume = level.volume;
-    object.parentID = level.listed.id;
-    return openFolderOf(level, object.folder);
-}
+public:
+    explicit PlacedObject(Level &level) : level_(level) {}
+    ~PlacedObject()
+    {
+        if (level_.object)
+            level_.object->folder.reset();
+    }
+    PlacedObject(const PlacedObject &) = delete;
+    PlacedObject &operator=(const PlacedObject &) = delete;
 
-// An object in the folder of a level, used for one entry after another.
-OSErr fillFromObject(Level &level, const ListedEntry &entry, std::optional<Object> &placed, std::size_t index, const Outputs &outputs)
+    // Asks the disk for its status.
+    OSErr become(const ListedEntry &entry)
+    {
+        if (!level_.object)
+            place();
+        Object &object = *level_.object;
+        if (!object.folder)
+            if (OSErr result = openFolderOf(level_, object.folder))
+                return result;
+        object.name = entry.name;
+        object.sidecarIsAbsent = !entry.hasSidecar;
+        return resultFromErrno(-linux_calls::statusAt(object.folder->number(), object.name.c_str(), object.status));
+    }
+
+    const Object &operator*() const { return *level_.object; }
+
+private:
+    void place()
+    {
+        level_.object = std::make_unique<Object>();
+        level_.object->volume = level_.volume;
+        level_.object->parentID = level_.listed.id;
+    }
+
+    Level &level_;
+};
+
+OSErr fillFromObject(const Object &object, std::size_t index, const Outputs &outputs)
 {
-    if (OSErr result = placed ? static_cast<OSErr>(noErr) : placeInFolder(level, placed.emplace()))
-        return result;
-    Object &object = *placed;
-    object.name = entry.name;
-    object.sidecarIsAbsent = !entry.hasSidecar;
-    if (const int failure = linux_calls::statusAt(object.folder->number(), object.name.c_str(), object.status))
-        return resultFromErrno(-failure);
     if (outputs.which)
         if (OSErr result = fillCatalogInfo(object, outputs.which, outputs.infos[index]))
             return result;
@@ -227,7 +253,7 @@ OSErr fillFromObject(Level &level, const ListedEntry &entry, std::optional<Objec
 // An object that is gone meanwhile is passed over.
 OSErr fillNext(Level &level, ItemCount most, const Outputs &outputs, ItemCount &count)
 {
-    std::optional<Object> placed;   // costs more than an entry, and most entries need none
+    PlacedObject object(level);
     ListedEntry entry;
     level.batch = level.next;
     level.batchCount = 0;
@@ -240,7 +266,9 @@ OSErr fillNext(Level &level, ItemCount most, const Outputs &outputs, ItemCount &
             fillFromEntry(level, entry, count++, outputs);
             continue;
         }
-        const OSErr result = fillFromObject(level, entry, placed, count, outputs);
+        OSErr result = object.become(entry);
+        if (result == noErr)
+            result = fillFromObject(*object, count, outputs);
         if (result != noErr && result != fnfErr)
             return result;
         count += result == noErr;
@@ -253,10 +281,10 @@ OSErr fillNext(Level &level, ItemCount most, const Outputs &outputs, ItemCount &
 bool differsFromBefore(Level &level)
 {
     FolderHandle folder;
-    ObjectStatus status;
-    if (openFolderOf(level, folder) != noErr || linux_calls::statusOf(folder->number(), status) < 0)
+    std::timespec now;
+    if (openFolderOf(level, folder) != noErr || linux_calls::modificationOf(folder->number(), now) < 0)
         return true;
-    const std::timespec &now = status.modification, &then = level.modification;
+    const std::timespec &then = level.modification;
     return now.tv_sec != then.tv_sec || now.tv_nsec != then.tv_nsec;
 }
 

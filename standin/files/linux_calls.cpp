@@ -149,6 +149,15 @@ int statusOf(int descriptor, ObjectStatus &result)
     return status(descriptor, "", AT_EMPTY_PATH, result);
 }
 
+int modificationOf(int descriptor, std::timespec &time)
+{
+    struct stat status;
+    const int failure = repeated([&] { return ::fstat(descriptor, &status); });
+    if (failure == 0)
+        time = status.st_mtim;
+    return failure;
+}
+
 int openAt(int folder, const char *name, int flags, mode_t mode)
 {
     return repeated([&] { return ::openat(folder, name, flags | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY, mode); });
@@ -182,12 +191,6 @@ int openListedFolder(int folder, const char *name)
 int openTemporary(int folder, mode_t mode)
 {
     return repeated([&] { return ::openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode); });
-}
-
-int giveName(int descriptor, int folder, const char *name)
-{
-    const std::string source = throughDescriptor(descriptor);
-    return repeated([&] { return ::linkat(AT_FDCWD, source.c_str(), folder, name, AT_SYMLINK_FOLLOW); });
 }
 
 int openByInode(int anyDescriptorOnDisk, std::uint64_t inode)

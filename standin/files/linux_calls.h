@@ -59,8 +59,8 @@ std::uint64_t count();
 using CallFilter = int (*)(const char *call);
 void setCallFilter(CallFilter filter);
 
-std::timespec now();           // the exact clock, never the coarse one
-std::int64_t milliseconds();   // a clock that only goes forward
+std::timespec now();                 // the exact clock, never the coarse one
+std::int64_t milliseconds();         // a clock that only goes forward
 std::int64_t coarseMilliseconds();   // the same, cheaper, and some milliseconds behind
 void sleepMilliseconds(int milliseconds);
 
@@ -69,13 +69,13 @@ bool saysAbsent(int failure);
 
 int statusAt(int folder, const char *name, ObjectStatus &status);
 int statusOf(int descriptor, ObjectStatus &status);
+int modificationOf(int descriptor, std::timespec &time);   // costs less than the whole status
 
 int openAt(int folder, const char *name, int flags, mode_t mode = 0);
 int openAbsoluteFolder(const char *path);                      // follows links: only for what the host itself names
 int openFolderBeneath(int folder, const char *relativePath);   // no links, no mounts, not above; -ENOSYS on old kernels
 int openListedFolder(int folder, const char *name);            // for reading; likewise
-int openTemporary(int folder, mode_t mode);                    // a file without a name
-int giveName(int descriptor, int folder, const char *name);    // … gets its name; refuses to replace
+int openTemporary(int folder, mode_t mode);                    // a file without a name: linux_copies.h gives it one
 int openByInode(int anyDescriptorOnDisk,
                 std::uint64_t inode);   // needs a privilege, and a disk whose handles can be made from an inode number
 

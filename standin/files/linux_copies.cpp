@@ -3,6 +3,8 @@
 #include "standin/files/linux_repeated.h"
 
 #include <algorithm>
+#include <atomic>
+#include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/sendfile.h>
@@ -49,6 +51,23 @@ int flushToDisk(int descriptor)
 int makeSymbolicLink(const char *target, int folder, const char *name)
 {
     return repeated([&] { return ::symlinkat(target, folder, name); });
+}
+
+int giveName(int descriptor, int folder, const char *name)
+{
+    // The descriptor itself, without a way through /proc: from Linux 6.10 on for everybody, before that with a privilege. Who may not is told ENOENT.
+    static std::atomic<bool> mayLinkDescriptors{true};
+    if (mayLinkDescriptors)
+    {
+        const int result = repeated([&] { return ::linkat(descriptor, "", folder, name, AT_EMPTY_PATH); });
+        if (result != -ENOENT)
+            return result;
+    }
+    const std::string source = throughDescriptor(descriptor);
+    const int result = repeated([&] { return ::linkat(AT_FDCWD, source.c_str(), folder, name, AT_SYMLINK_FOLLOW); });
+    if (result == 0)
+        mayLinkDescriptors = false;
+    return result;
 }
 
 int setModeOf(int descriptor, std::uint32_t mode)

@@ -17,6 +17,7 @@ std::int64_t nextData(int descriptor, std::uint64_t offset);
 std::int64_t nextHole(int descriptor, std::uint64_t offset);
 
 int flushToDisk(int descriptor);
+int giveName(int descriptor, int folder, const char *name);   // to a file that has none; refuses to replace
 int makeSymbolicLink(const char *target, int folder, const char *name);
 
 // Through a descriptor that is no O_PATH one: cheaper than by place.

@@ -119,7 +119,7 @@ FolderHandle hold(Level &level, FolderHandle folder)
     LevelTable &all = table();
     FolderHandle former = release(level);
     level.folder = std::move(folder);
-    level.lastUse = linux_calls::coarseMilliseconds();
+    noteUse(level);
     level.older = all.newest;
     (all.newest ? all.newest->newer : all.oldest) = &level;
     all.newest = &level;
@@ -139,6 +139,16 @@ bool wasUsedLately(const Level &level)
     return linux_calls::coarseMilliseconds() - level.lastUse <= longestIdleMilliseconds;
 }
 
+// The descriptor of a level, or null if it was not used for too long to be believed.
+FolderHandle takeIfUsedLately(Level &level)
+{
+    const std::int64_t now = linux_calls::coarseMilliseconds();
+    if (!level.folder || now - level.lastUse > longestIdleMilliseconds)
+        return nullptr;
+    level.lastUse = now;
+    return level.folder;
+}
+
 // --- the way up -------------------------------------------------------------------------------------------------------------------------
 
 // What the level below did was in the folder above, too. True if that has no descriptor any more and should get one.
@@ -149,7 +159,7 @@ bool noteUseAbove(const Level &below, Identity &identity)
     if (!above)
         return false;
     if (wasUsedLately(below))
-        above->lastUse = linux_calls::coarseMilliseconds();
+        noteUse(*above);
     identity = above->identity;
     return !above->folder;
 }
@@ -226,17 +236,18 @@ bool closeLevel(FSIterator iterator)
     return true;
 }
 
-LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete)
+LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete, FolderHandle &folder)
 {
     std::uintptr_t number;
     if (mustDelete && table().deletingCount == 0)
         return {};
     {
         const std::lock_guard lock(table().mutex);
-        const Level *level = findHeld(volume, folderID, mustDelete);
+        Level *level = findHeld(volume, folderID, mustDelete);
         if (!level)
             return {};
         number = level->number;
+        folder = wasUsedLately(*level) ? level->folder : nullptr;
     }
     return findLevel(reinterpret_cast<FSIterator>(number));
 }
@@ -245,22 +256,20 @@ FolderHandle folderOfLevel(FSVolumeRefNum volume, UInt32 folderID)
 {
     const std::lock_guard lock(table().mutex);
     Level *level = findHeld(volume, folderID, false);
-    if (!level || !wasUsedLately(*level))
-        return nullptr;
-    level->lastUse = linux_calls::coarseMilliseconds();
-    return level->folder;
+    return level ? takeIfUsedLately(*level) : nullptr;
+}
+
+void noteUse(Level &level)
+{
+    level.lastUse = linux_calls::coarseMilliseconds();
 }
 
 OSErr openFolderOf(Level &level, FolderHandle &folder)
 {
     {
         const std::lock_guard lock(table().mutex);
-        if (level.folder && wasUsedLately(level))
-        {
-            level.lastUse = linux_calls::coarseMilliseconds();
-            folder = level.folder;
+        if ((folder = takeIfUsedLately(level)))
             return noErr;
-        }
     }
     if (OSErr result = openFolder(*level.volume, level.listed.id, folder, level.deletes ? Anchoring::anew : Anchoring::recent))
         return result;

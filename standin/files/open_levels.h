@@ -11,7 +11,9 @@
 #include "standin/files/directories.h"
 #include "standin/files/listings.h"
 #include "standin/files/reference_format.h"
+#include "standin/files/references.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -34,11 +36,12 @@ struct Level
     bool deletes = false;
     bool standsEmpty = false;   // a mount point, which is an empty folder; or a folder that is gone again
     bool hasChanged = false, askedAtEnd = false;
+    std::unique_ptr<Object> object;   // the one asked last for its status, kept for its place
 
     // The table's own.
     std::uintptr_t number = 0, above = 0;   // above: the level that this one was reached through, or 0
     FolderHandle folder;
-    std::int64_t lastUse = 0;
+    std::atomic<std::int64_t> lastUse{0};
     Level *newer = nullptr, *older = nullptr;
 };
 
@@ -59,7 +62,9 @@ LockedLevel findLevel(FSIterator iterator);
 bool closeLevel(FSIterator iterator);
 
 // The level, if there is one with an open descriptor, that reads a folder. `mustDelete`: only an iterator that was opened for deleting.
-LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete);
+// `folder` becomes its descriptor if that was used within the last second, and whoever does use it says so; else openFolderOf has to be asked.
+LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete, FolderHandle &folder);
+void noteUse(Level &level);
 
 // The descriptor of a folder that some level reads and used within the last second, or null.
 FolderHandle folderOfLevel(FSVolumeRefNum volume, UInt32 folderID);

@@ -34,37 +34,37 @@ bool onlyLeftoversRemain(int folder, std::vector<std::string> &leftovers)
     return onlyLeftovers;
 }
 
-OSErr removeLeftovers(const Object &object)
+OSErr removeLeftovers(int parent, const std::string &name)
 {
-    const Descriptor folder(linux_calls::openAt(object.folder->number(), object.name.c_str(), O_PATH | O_DIRECTORY));
+    const Descriptor folder(linux_calls::openAt(parent, name.c_str(), O_PATH | O_DIRECTORY));
     std::vector<std::string> leftovers;
     if (!folder.isOpen() || !onlyLeftoversRemain(folder.number(), leftovers))
         return fBsyErr;
-    for (const std::string &name : leftovers)
-        linux_calls::unlinkAt(folder.number(), name.c_str());
+    for (const std::string &leftover : leftovers)
+        linux_calls::unlinkAt(folder.number(), leftover.c_str());
     return noErr;
 }
 
-OSErr removeFolder(const Object &object, const Identity &identity)
+OSErr removeFolder(const Volume &volume, int parent, const std::string &name, const Identity &identity)
 {
-    const int folder = object.folder->number();
-    int failure = linux_calls::removeFolderAt(folder, object.name.c_str());
+    int failure = linux_calls::removeFolderAt(parent, name.c_str());
     if (failure == -ENOTEMPTY || failure == -EEXIST)
     {
-        if (OSErr result = removeLeftovers(object))
+        if (OSErr result = removeLeftovers(parent, name))
             return result;
-        failure = linux_calls::removeFolderAt(folder, object.name.c_str());
+        failure = linux_calls::removeFolderAt(parent, name.c_str());
     }
     if (failure == 0)
-        forgetDirectory(*object.volume, identity);
+        forgetDirectory(volume, identity);
     return resultFromErrno(-failure);
 }
 
 // Once it is known that the object may leave. The folder's lock is held if the object is looked after by others of our processes.
 OSErr removeObject(const Object &object)
 {
-    const OSErr result = object.isFolder() ? removeFolder(object, object.identity())
-                                           : resultFromErrno(-linux_calls::unlinkAt(object.folder->number(), object.name.c_str()));
+    const int parent = object.folder->number();
+    const OSErr result = object.isFolder() ? removeFolder(*object.volume, parent, object.name, object.identity())
+                                           : resultFromErrno(-linux_calls::unlinkAt(parent, object.name.c_str()));
     if (result != noErr)
         return result;
     removeSidecar({object.folder->number(), object.name, object.status});
@@ -92,27 +92,29 @@ bool mayGoAtOnce(const Level &level, const ListedEntry &entry)
            level.changes == countOfChanges(level.listed.volume, level.listed.id) && !isAnyForkOpen() && !wasMoved(level, entry);
 }
 
-// The folder's descriptor and the name; the status only if the object is asked.
-OSErr placeOf(Level &level, const ListedEntry &entry, Object &object)
-{
-    object.volume = level.volume;
-    object.parentID = level.listed.id;
-    object.name = entry.name;
-    return openFolderOf(level, object.folder);
-}
-
 // No lock is taken: the step is a single one, and there is no sidecar.
-OSErr removeAtOnce(const Level &level, const Object &object, const ListedEntry &entry)
+OSErr removeAtOnce(const Level &level, const ListedEntry &entry, int folder)
 {
-    if (OSErr result = object.volume->checkChangeable())
+    const std::string name(entry.name);
+    if (OSErr result = level.volume->checkChangeable())
         return result;
     if (entry.type == DT_DIR)
-        return removeFolder(object, {level.identity.device, entry.inode, 0});
-    return resultFromErrno(-linux_calls::unlinkAt(object.folder->number(), object.name.c_str()));
+        return removeFolder(*level.volume, folder, name, {level.identity.device, entry.inode, 0});
+    return resultFromErrno(-linux_calls::unlinkAt(folder, name.c_str()));
+}
+
+Object placedObject(const Level &level, const ListedEntry &entry, FolderHandle folder)
+{
+    Object object;
+    object.volume = level.volume;
+    object.parentID = level.listed.id;
+    object.folder = std::move(folder);
+    object.name = entry.name;
+    return object;
 }
 
 // The object is looked at and locked against our other processes. `isOther`: it is not the one that was handed out.
-OSErr removeAfterALook(const Level &level, const ReferenceFields &fields, Object &object, bool &isOther)
+OSErr removeAfterALook(const Level &level, const ReferenceFields &fields, Object object, bool &isOther)
 {
     ChangeLock lock;
     if (OSErr result = lock.take(*level.volume, level.listed.id, object.folder))
@@ -130,22 +132,23 @@ bool removeHandedOut(const FSRef *reference, OSErr &result)
 {
     ReferenceFields fields;
     ListedEntry entry;
-    Object object;
+    FolderHandle folder;
     if (!reference || !readReference(*reference, fields))
         return false;
-    const LockedLevel level = findLevelReading(fields.volume, fields.parentID, true);
-    if (!level || !wasHandedOut(*level, fields, entry) || placeOf(*level, entry, object) != noErr)
+    const LockedLevel level = findLevelReading(fields.volume, fields.parentID, true, folder);
+    if (!level || !wasHandedOut(*level, fields, entry) || (!folder && openFolderOf(*level, folder) != noErr))
         return false;
+    noteUse(*level);
     bool isOther = false;
     if (mayGoAtOnce(*level, entry))
     {
-        result = removeAtOnce(*level, object, entry);
+        result = removeAtOnce(*level, entry, folder->number());
         isOther = result == fnfErr;
     }
     else
     {
         const bool nothingElse = level->changes == countOfChanges(level->listed.volume, level->listed.id);
-        result = removeAfterALook(*level, fields, object, isOther);
+        result = removeAfterALook(*level, fields, placedObject(*level, entry, folder), isOther);
         if (nothingElse)   // but this very change
             level->changes = countOfChanges(level->listed.volume, level->listed.id);
     }
@@ -154,19 +157,22 @@ bool removeHandedOut(const FSRef *reference, OSErr &result)
     return !isOther;
 }
 
+OSErr removeFound(const FSRef *reference)
+{
+    Object object;
+    ChangeLock lock;
+    if (OSErr result = findAndLock(reference, object, lock, Anchoring::anew))
+        return result;
+    if (OSErr result = checkMayLeave(object))
+        return result;
+    return removeObject(object);
+}
+
 }   // namespace
 
 // A name that another program replaces between the look and the removal is lost, as with rm: Linux cannot remove by identity.
 OSErr FSDeleteObject(const FSRef *ref)
 {
-    Object object;
-    ChangeLock lock;
     OSErr result = noErr;
-    if (removeHandedOut(ref, result))
-        return result;
-    if ((result = findAndLock(ref, object, lock, Anchoring::anew)) != noErr)
-        return result;
-    if ((result = checkMayLeave(object)) != noErr)
-        return result;
-    return removeObject(object);
+    return removeHandedOut(ref, result) ? result : removeFound(ref);
 }

@@ -239,9 +239,8 @@ bool forkCanGrow(const Sidecar &sidecar)
     const SidecarEntry *fork = sidecar.layout.find(kResourceForkEntry);
     if (!fork || (fork->length > 0 && sidecar.forkLength() == 0))
         return false;
-    return std::all_of(sidecar.layout.entries.begin(), sidecar.layout.entries.end(), [&](const SidecarEntry &entry) {
-        return &entry == fork || entry.offset + entry.length <= fork->offset;
-    });
+    return std::all_of(sidecar.layout.entries.begin(), sidecar.layout.entries.end(),
+                       [&](const SidecarEntry &entry) { return &entry == fork || entry.offset + entry.length <= fork->offset; });
 }
 
 OSErr makeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pieces)

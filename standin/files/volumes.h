@@ -24,10 +24,10 @@ struct Volume
     bool isDirectoryVolume = false;
     VolumeOptions options;
     std::atomic<bool> softwareLocked{false};
-    bool hasAttributes = true;     // extended ones, on what may have them
-    bool trustsListings = false;   // a folder's entries have the inode numbers that the objects' own status has
+    bool hasAttributes = true;      // extended ones, on what may have them
+    bool trustsListings = false;    // a folder's entries have the inode numbers that the objects' own status has
     bool hasStableInodes = false;   // an object keeps its inode number as long as it lives: not on overlay, network and FUSE disks
-    bool comparesBirths = false;   // births are there, and stable on these disks
+    bool comparesBirths = false;    // births are there, and stable on these disks
 
     // noErr, or the code of the lock that stands against any change: wPrErr before vLckdErr.
     OSErr checkChangeable() const;

@@ -63,7 +63,8 @@ void copyLookedUp(CopyCosts &test)
     EXPECT_EQ(PBHCopyFileSync(&block), noErr);
 }
 
-// Opening, reading, writing, naming and closing; two looks for metadata and one for an orphan in the way; the lock.
+// The looks for source and folder. Then the source: looked up, opened, its attributes listed, its sidecar looked for, and compared with the look before. The
+// copy: made without a name, filled, given mode and date. Its place: locked, looked at for an orphan, named, unlocked. Both closed.
 TEST_P(CopyCosts, AFileWithoutMetadataTakesFifteenCallsAndTwoForTheLooksBefore)
 {
     double calls = callsFor("copying 4 KiB, with source and folder looked up", [](CopyCosts &test, const FSRef &source, const FSRef &to) {
