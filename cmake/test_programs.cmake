@@ -16,6 +16,11 @@ endif()
 if(ZERB_PRESET STREQUAL "asan")
     target_compile_options(zerb_test_code INTERFACE -fno-sanitize=all)
 endif()
+if(ZERB_SANITIZE)
+    target_compile_definitions(zerb_test_code INTERFACE ZERB_SANITIZED)   # what is tested is, whatever the test itself is
+elseif(ZERB_PRESET STREQUAL "release")
+    target_compile_definitions(zerb_test_code INTERFACE ZERB_LONG_RUNS)   # random values by the hundred thousand
+endif()
 target_precompile_headers(zerb_test_code INTERFACE <gtest/gtest.h>)
 
 # zerb_add_test(NAME [SOURCES file...] [LIBRARIES target...] [PRESETS preset[=filter]...] [OWN_MAIN])

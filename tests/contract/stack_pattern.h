@@ -8,7 +8,7 @@
 constexpr UInt8 stackPattern = 0xA5;
 
 // Sanitizers place and clear local variables in their own way.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ZERB_SANITIZED
 constexpr bool stackCanBePatterned = false;
 #else
 constexpr bool stackCanBePatterned = true;

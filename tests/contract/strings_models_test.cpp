@@ -13,7 +13,7 @@ namespace
 {
 
 // Of each kind: well over a million in all where that takes seconds, fewer in a build that is slow on purpose or emulated.
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && defined(__LP64__)
+#ifdef ZERB_LONG_RUNS
 constexpr int samples = 300000;
 #else
 constexpr int samples = 8000;

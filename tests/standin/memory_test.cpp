@@ -294,7 +294,7 @@ int checkExhaustion()
 
 TEST(FreeMem, TellsOfALimitAndExhaustionIsAnError)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ZERB_SANITIZED
     GTEST_SKIP() << "a sanitizer's own memory does not fit into a limited address space";
 #endif
     EXPECT_EQ(inSmallAddressSpace(64 << 20, checkExhaustion), 0);

@@ -174,7 +174,7 @@ const Role walksAndDeletesAChain("walksAndDeletesAChain", [](const RoleArguments
     EXPECT_EQ(FSDeleteObject(&top), noErr);
 });
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ZERB_SANITIZED
 constexpr int mostFolders = 1000;
 #else
 constexpr int mostFolders = 10000;

@@ -95,7 +95,7 @@ TEST(PluginExports, EveryListedNameIsExported)
 
 TEST(PluginExports, NothingElseIsExported)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ZERB_SANITIZED
     GTEST_SKIP() << "sanitizers add names of their own";
 #endif
     EXPECT_EQ(difference(exportedNames(), listedNames()), Names{}) << "in the plug-in, but not listed";
@@ -103,7 +103,7 @@ TEST(PluginExports, NothingElseIsExported)
 
 TEST(PluginExports, NeedsTheStandInAndTheLanguagesLibrariesAlone)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef ZERB_SANITIZED
     GTEST_SKIP() << "sanitizers need libraries of their own";
 #endif
     const Names needed = dynamicEntries("NEEDED");
