@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace standin
 {
@@ -304,8 +305,8 @@ UTCDateTime creationDateOf(const Object &object, const OwnRecord &own)
     const ObjectStatus &status = object.status;
     if (status.hasBirth)
         return dateFromLinux(status.birth);
-    const bool modifiedFirst = status.modification.tv_sec < status.change.tv_sec;
-    return dateFromLinux(modifiedFirst ? status.modification : status.change);
+    const auto moment = [](const std::timespec &date) { return std::pair(date.tv_sec, date.tv_nsec); };
+    return dateFromLinux(std::min(status.modification, status.change, [&](const auto &a, const auto &b) { return moment(a) < moment(b); }));
 }
 
 OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMetadata &metadata, std::size_t &room)

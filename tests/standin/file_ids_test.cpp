@@ -127,6 +127,8 @@ TEST_P(FileIDs, AreGoodInEveryProcess)
 
 TEST_P(FileIDs, AreGoodAfterMovesOfAnotherProcess)
 {
+    if (!disk().hasBirthTimes)
+        GTEST_SKIP() << "without births a folder may be taken for an older one that had its inode number";
     mkdir((folder() / "Archive").c_str(), 0755);
     const UInt32 id = makeID(refAt(letter())).id;
     playRole("movesFileWithID", {letter(), folder() / "Archive"}, sameState());
