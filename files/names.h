@@ -44,7 +44,7 @@ OSErr HFSNameGetUnicodeName(const unsigned char *hfsName, TextEncoding textEncod
 //
 // `path` is a POSIX path in UTF-8, ended by a zero byte; the object must exist. `isDirectory`, which may be null, is
 // handed to FSPathMakeRef as it is and becomes 1 for a folder and 0 for a file. It is written as soon as the path has led
-// to an object, so it may hold the answer although the specification could then not be made.
+// to an object, so it may hold the answer although the FSSpec could then not be made.
 //
 // Result: noErr; paramErr if `spec` is null, whatever the path; otherwise the code of FSPathMakeRef, cut to 16 bits, or
 // of FSGetCatalogInfo.
