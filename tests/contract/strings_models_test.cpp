@@ -12,9 +12,9 @@
 namespace
 {
 
-// Of each kind: well over a million in all where that takes seconds, fewer in a build that is slow on purpose or emulated.
+// Of each kind: four hundred thousand in all where that takes seconds, fewer in a build that is slow on purpose or emulated.
 #ifdef ZERB_LONG_RUNS
-constexpr int samples = 300000;
+constexpr int samples = 100000;
 #else
 constexpr int samples = 8000;
 #endif
