@@ -7,13 +7,6 @@
 
 constexpr UInt8 stackPattern = 0xA5;
 
-// Sanitizers place and clear local variables in their own way.
-#ifdef ZERB_SANITIZED
-constexpr bool stackCanBePatterned = false;
-#else
-constexpr bool stackCanBePatterned = true;
-#endif
-
 [[gnu::noinline]] inline void fillStackWithPattern()
 {
     volatile UInt8 area[16384];

@@ -3,6 +3,7 @@
 
 #include "tests/contract/strings_fixture.h"
 #include "tests/models/number_models.h"
+#include "tests/how_built.h"
 
 #include <bit>
 #include <cmath>
@@ -13,11 +14,7 @@ namespace
 {
 
 // Of each kind: four hundred thousand in all where that takes seconds, fewer in a build that is slow on purpose or emulated.
-#ifdef ZERB_LONG_RUNS
-constexpr int samples = 100000;
-#else
-constexpr int samples = 8000;
-#endif
+const int samples = hasLongRuns() ? 100000 : 8000;
 
 class StringsModels : public testing::Test
 {

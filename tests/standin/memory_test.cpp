@@ -1,5 +1,6 @@
 // Pointers and handles: sizes, growth, refusals, and what MemError tells each thread.
 #include "platform/memory.h"
+#include "tests/how_built.h"
 
 #include <gtest/gtest.h>
 
@@ -294,9 +295,8 @@ int checkExhaustion()
 
 TEST(FreeMem, TellsOfALimitAndExhaustionIsAnError)
 {
-#ifdef ZERB_SANITIZED
-    GTEST_SKIP() << "a sanitizer's own memory does not fit into a limited address space";
-#endif
+    if (isSanitized())
+        GTEST_SKIP() << "a sanitizer's own memory does not fit into a limited address space";
     EXPECT_EQ(inSmallAddressSpace(64 << 20, checkExhaustion), 0);
 }
 

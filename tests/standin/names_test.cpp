@@ -1,5 +1,6 @@
 // Names on disk and as Unicode: rows for each rule, then every short string and many random ones there and back.
 #include "standin/files/names.h"
+#include "tests/how_built.h"
 
 #include <gtest/gtest.h>
 
@@ -185,11 +186,7 @@ std::string randomDiskName(std::mt19937 &random)
     return bytes;
 }
 
-#ifdef ZERB_LONG_RUNS
-constexpr int randomNames = 1000000;
-#else
-constexpr int randomNames = 50000;
-#endif
+const int randomNames = hasLongRuns() ? 1000000 : 50000;
 
 TEST(RoundTrip, OfRandomStrings)
 {

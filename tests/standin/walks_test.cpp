@@ -1,4 +1,5 @@
 // Walks: each object once, whatever others do to the tree meanwhile, and what that takes.
+#include "tests/how_built.h"
 #include "tests/standin/processes.h"
 #include "tests/standin/trees.h"
 
@@ -174,11 +175,7 @@ const Role walksAndDeletesAChain("walksAndDeletesAChain", [](const RoleArguments
     EXPECT_EQ(FSDeleteObject(&top), noErr);
 });
 
-#ifdef ZERB_SANITIZED
-constexpr int mostFolders = 1000;
-#else
-constexpr int mostFolders = 10000;
-#endif
+const int mostFolders = isSanitized() ? 1000 : 10000;
 
 // The small disks that tests make have room for so many objects.
 unsigned long freeInodes(const std::string &path)

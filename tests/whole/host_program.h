@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/standin/disks.h"
+#include "tests/whole/products.h"
 
 #include <nlohmann/json.hpp>
 
@@ -25,7 +26,7 @@ struct Setting
     std::string directory;    // to run in; empty for that of the tests
     Words environment;        // NAME=VALUE; an empty value is set empty
     std::string outputFile;   // where standard output goes instead; `output` is then empty
-    std::string program = ZERB_BINARY_FOLDER "/zerb";
+    std::string program = built("zerb");
 };
 
 Outcome runHost(const Words &words, const Setting &setting = {});

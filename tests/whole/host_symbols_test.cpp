@@ -2,6 +2,7 @@
 
 #include "host/exported_symbol.h"
 #include "strings/pstrings.h"
+#include "tests/whole/products.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +24,7 @@ std::string demangled(const std::string &symbol)
 
 std::set<std::string> listedExports()
 {
-    std::ifstream list(ZERB_BINARY_FOLDER "/zerb.exports.txt");
+    std::ifstream list(built("zerb.exports.txt"));
     std::set<std::string> names;
     for (std::string line; std::getline(list, line);)
         names.insert(line);

@@ -56,7 +56,7 @@ protected:
         Setting setting;
         setting.directory = folder().path();
         setting.program = "/bin/sh";
-        return runHost({"-c", "exec '" ZERB_BINARY_FOLDER "/zerb' text shorten --width 36 " + redirection}, setting);
+        return runHost({"-c", "exec '" + built("zerb") + "' text shorten --width 36 " + redirection}, setting);
     }
 };
 

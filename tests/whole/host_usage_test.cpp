@@ -108,7 +108,7 @@ TEST_F(HostPlugin, IsLookedForWhereTheEnvironmentSays)
     Outcome outcome = zerb({"info", "Letter"}, {"ZERB_PLUGIN=/no/such/zerb.so"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("tried:\n  /no/such/zerb.so: "));
-    EXPECT_EQ(zerb({"info", "Letter"}, {"ZERB_PLUGIN=" ZERB_BINARY_FOLDER "/zerb.so"}).status, 0);
+    EXPECT_EQ(zerb({"info", "Letter"}, {"ZERB_PLUGIN=" + built("zerb.so")}).status, 0);
 }
 
 TEST_F(HostPlugin, ThatIsSomethingElseIsRefused)
@@ -116,7 +116,7 @@ TEST_F(HostPlugin, ThatIsSomethingElseIsRefused)
     makeFile("Letter");
     makeFile("text.so", "this is no library");
     EXPECT_THAT(zerb({"info", "Letter"}, {"ZERB_PLUGIN=text.so"}).errors, HasSubstr("text.so"));
-    Outcome outcome = zerb({"info", "Letter"}, {"ZERB_PLUGIN=" ZERB_BINARY_FOLDER "/libzerbstandin.so"});
+    Outcome outcome = zerb({"info", "Letter"}, {"ZERB_PLUGIN=" + built("libzerbstandin.so")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("does not have the function FS"));
 }
@@ -124,17 +124,17 @@ TEST_F(HostPlugin, ThatIsSomethingElseIsRefused)
 TEST_F(HostPlugin, IsLookedForBesideTheProgramAndInTheLibraryFolder)
 {
     makeFolder("bin");
-    std::filesystem::copy_file(ZERB_BINARY_FOLDER "/zerb", path("bin/zerb"));
+    std::filesystem::copy_file(built("zerb"), path("bin/zerb"));
     Setting setting;
     setting.program = path("bin/zerb");
-    setting.environment = {"LD_LIBRARY_PATH=" ZERB_BINARY_FOLDER};
+    setting.environment = {"LD_LIBRARY_PATH=" + built("")};
     Outcome outcome = runHost({"info", "/"}, setting);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("\n  " + path("bin/zerb.so") + ": "));
     EXPECT_THAT(outcome.errors, HasSubstr("\n  " + path("lib/zerb/zerb.so") + ": "));
     makeFolder("lib");
     makeFolder("lib/zerb");
-    std::filesystem::copy_file(ZERB_BINARY_FOLDER "/zerb.so", path("lib/zerb/zerb.so"));
+    std::filesystem::copy_file(built("zerb.so"), path("lib/zerb/zerb.so"));
     EXPECT_EQ(runHost({"info", "/"}, setting).status, 0);
 }
 

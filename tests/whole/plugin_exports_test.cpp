@@ -3,6 +3,9 @@
 // Looks at the file itself with the binary tools that the linker came with. The list is plugin/exports.txt, of which the
 // build puts a copy beside the plug-in.
 
+#include "tests/how_built.h"
+#include "tests/whole/products.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,8 +21,8 @@ namespace
 
 using Names = std::set<std::string>;
 
-constexpr const char *plugin = ZERB_BINARY_FOLDER "/zerb.so";
-constexpr const char *exportsList = ZERB_BINARY_FOLDER "/zerb.exports.txt";
+const std::string plugin = built("zerb.so");
+const std::string exportsList = built("zerb.exports.txt");
 
 std::string quoted(const std::string &path)
 {
@@ -95,17 +98,15 @@ TEST(PluginExports, EveryListedNameIsExported)
 
 TEST(PluginExports, NothingElseIsExported)
 {
-#ifdef ZERB_SANITIZED
-    GTEST_SKIP() << "sanitizers add names of their own";
-#endif
+    if (isSanitized())
+        GTEST_SKIP() << "sanitizers add names of their own";
     EXPECT_EQ(difference(exportedNames(), listedNames()), Names{}) << "in the plug-in, but not listed";
 }
 
 TEST(PluginExports, NeedsTheStandInAndTheLanguagesLibrariesAlone)
 {
-#ifdef ZERB_SANITIZED
-    GTEST_SKIP() << "sanitizers need libraries of their own";
-#endif
+    if (isSanitized())
+        GTEST_SKIP() << "sanitizers need libraries of their own";
     const Names needed = dynamicEntries("NEEDED");
     EXPECT_TRUE(needed.contains("libzerbstandin.so"));
     const Names allowed = {"libzerbstandin.so", "libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6"};
