@@ -23,8 +23,11 @@ target_precompile_headers(zerb_test_code INTERFACE <gtest/gtest.h>)
 # What a test must know of the build that it runs in; see the header.
 add_library(how_built STATIC ${PROJECT_SOURCE_DIR}/tests/how_built.cpp)
 target_include_directories(how_built PUBLIC ${PROJECT_SOURCE_DIR})
-target_compile_definitions(how_built PRIVATE
-    ZERB_SANITIZED=$<BOOL:${ZERB_SANITIZE}> ZERB_LONG_RUNS=$<STREQUAL:${ZERB_PRESET},release>)
+if(ZERB_SANITIZE)
+    target_compile_definitions(how_built PRIVATE ZERB_SANITIZED)
+elseif(ZERB_PRESET STREQUAL "release")
+    target_compile_definitions(how_built PRIVATE ZERB_LONG_RUNS)
+endif()
 target_link_libraries(how_built PRIVATE zerb_warnings)
 
 # zerb_add_test(NAME [SOURCES file...] [LIBRARIES target...] [PRESETS preset[=filter]...] [OWN_MAIN])

@@ -2,10 +2,18 @@
 
 bool isSanitized()
 {
-    return ZERB_SANITIZED;
+#ifdef ZERB_SANITIZED
+    return true;
+#else
+    return false;
+#endif
 }
 
 bool hasLongRuns()
 {
-    return ZERB_LONG_RUNS;
+#ifdef ZERB_LONG_RUNS
+    return true;
+#else
+    return false;
+#endif
 }
