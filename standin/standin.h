@@ -39,6 +39,19 @@ OSErr removeDirectoryVolume(FSVolumeRefNum volume);
 // Sets or clears the software lock of a directory volume. Result: noErr; nsvErr; paramErr if it is no directory volume.
 OSErr setVolumeLock(FSVolumeRefNum volume, bool locked);
 
+// Where a volume comes from, on Linux.
+struct VolumeDescription
+{
+    std::string place;            // of its root
+    std::string fileSystem;       // such as "ext4", as the kernel calls it; empty where it shows no mounts
+    std::string source;           // such as "/dev/sda1"; likewise
+    bool isDirectory = false;     // a directory that was made a volume, the startup volume included
+    bool isMountedDisk = false;   // one that may be unmounted, and is no volume then any more
+};
+
+// Result: noErr; nsvErr; the code of why nobody can tell what is mounted.
+OSErr describeVolume(FSVolumeRefNum volume, VolumeDescription &description);
+
 // What is wrong with ZERB_STARTUP_VOLUME or ZERB_VOLUMES, in one sentence without a full stop, or null. With a bad startup volume every call gives nsvErr.
 const char *environmentProblem();
 

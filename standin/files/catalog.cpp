@@ -8,6 +8,7 @@
 #include "standin/files/metadata.h"
 #include "standin/files/short_lookups.h"
 #include "standin/files/names.h"
+#include "standin/files/specified_objects.h"
 
 #include <cstring>
 #include <fcntl.h>
@@ -243,7 +244,10 @@ OSErr getCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap which, FSCatalogInfo 
     if (name)
         fillName(object, *name);
     if (spec)
+    {
         fillSpec(object, *spec);
+        noteSpecified(object, *spec);
+    }
     if (parent)
         *parent = makeParentReference(object);
     return noErr;

@@ -1,5 +1,7 @@
 #include "standin/files/change_lock.h"
 
+#include "standin/files/idle_folders.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -51,6 +53,7 @@ struct KeptDescriptor
     std::weak_ptr<const Descriptor> folder;   // while this very handle is in use, the other descriptor is of the same folder
     std::shared_ptr<const Descriptor> readable;
     unsigned forkCount;
+    bool isOnMountedDisk;
 };
 
 struct KeptTable
@@ -59,9 +62,10 @@ struct KeptTable
     std::list<KeptDescriptor> descriptors;   // the one used last is the first
 };
 
+// Never destroyed: a thread may still look after idle folders when the process ends.
 KeptTable &kept()
 {
-    static KeptTable table;
+    static KeptTable &table = *new KeptTable;
     return table;
 }
 
@@ -78,13 +82,15 @@ std::shared_ptr<const Descriptor> recallDescriptor(const FolderHandle &folder)
     return found->readable;
 }
 
-void keepDescriptor(const FolderHandle &folder, const std::shared_ptr<const Descriptor> &readable)
+void keepDescriptor(const Volume &volume, const FolderHandle &folder, const std::shared_ptr<const Descriptor> &readable)
 {
     const std::lock_guard lock(kept().mutex);
     auto &all = kept().descriptors;
-    all.push_front({folder, readable, forkCount()});
+    all.push_front({folder, readable, forkCount(), volume.isMountedDisk});
     if (all.size() > mostKeptDescriptors)
         all.pop_back();
+    if (volume.isMountedDisk)
+        noteKeptFolder();
 }
 
 void dropDescriptor(const std::shared_ptr<const Descriptor> &readable)
@@ -94,7 +100,7 @@ void dropDescriptor(const std::shared_ptr<const Descriptor> &readable)
 }
 
 // Null for a folder that may not be read.
-std::shared_ptr<const Descriptor> readableDescriptor(const FolderHandle &folder)
+std::shared_ptr<const Descriptor> readableDescriptor(const Volume &volume, const FolderHandle &folder)
 {
     if (auto known = recallDescriptor(folder))
         return known;
@@ -102,13 +108,13 @@ std::shared_ptr<const Descriptor> readableDescriptor(const FolderHandle &folder)
     if (!opened.isOpen())
         return nullptr;
     auto readable = std::make_shared<const Descriptor>(std::move(opened));
-    keepDescriptor(folder, readable);
+    keepDescriptor(volume, folder, readable);
     return readable;
 }
 
-OSErr lockAmongProcesses(const FolderHandle &folder, std::shared_ptr<const Descriptor> &held)
+OSErr lockAmongProcesses(const Volume &volume, const FolderHandle &folder, std::shared_ptr<const Descriptor> &held)
 {
-    auto readable = readableDescriptor(folder);
+    auto readable = readableDescriptor(volume, folder);
     if (!readable)
         return noErr;
     const std::int64_t giveUpAt = linux_calls::milliseconds() + longestWaitMilliseconds;
@@ -138,7 +144,7 @@ OSErr ChangeLock::take(const Volume &volume, UInt32 folderID, const FolderHandle
 {
     indices_[0] = stripeOf(volume.number, folderID);
     stripes_[0] = std::unique_lock(stripe(indices_[0]));
-    return lockAmongProcesses(folder, held_[0]);
+    return lockAmongProcesses(volume, folder, held_[0]);
 }
 
 OSErr ChangeLock::take(const Volume &volume, UInt32 firstID, const FolderHandle &first, UInt32 secondID, const FolderHandle &second)
@@ -152,9 +158,9 @@ OSErr ChangeLock::take(const Volume &volume, UInt32 firstID, const FolderHandle 
     stripes_[0] = std::unique_lock(stripe(indices_[0]));
     if (a != b)
         stripes_[1] = std::unique_lock(stripe(indices_[1]));
-    if (OSErr result = lockAmongProcesses(inOrder ? first : second, held_[0]))
+    if (OSErr result = lockAmongProcesses(volume, inOrder ? first : second, held_[0]))
         return result;
-    return lockAmongProcesses(inOrder ? second : first, held_[1]);
+    return lockAmongProcesses(volume, inOrder ? second : first, held_[1]);
 }
 
 void ChangeLock::release()
@@ -183,6 +189,14 @@ void forgetLockDescriptors()
 {
     const std::lock_guard lock(kept().mutex);
     kept().descriptors.clear();
+}
+
+std::size_t forgetIdleLockDescriptors()
+{
+    const std::lock_guard lock(kept().mutex);
+    auto &all = kept().descriptors;
+    all.remove_if([](const KeptDescriptor &each) { return each.isOnMountedDisk && each.folder.expired(); });
+    return static_cast<std::size_t>(std::count_if(all.begin(), all.end(), [](const KeptDescriptor &each) { return each.isOnMountedDisk; }));
 }
 
 }   // namespace standin

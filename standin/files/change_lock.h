@@ -55,4 +55,7 @@ std::uint64_t countOfChanges(FSVolumeRefNum volume, UInt32 folderID);
 // Closes the descriptors that are kept for locking.
 void forgetLockDescriptors();
 
+// Closes those on mounted disks whose folder nobody has open any more. The result is how many stay open there.
+std::size_t forgetIdleLockDescriptors();
+
 }   // namespace standin

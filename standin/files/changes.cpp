@@ -3,7 +3,6 @@
 #include "standin/files/catalog.h"
 #include "standin/files/errors.h"
 #include "standin/files/exchange_finishing.h"
-#include "standin/files/metadata.h"
 #include "standin/files/names.h"
 #include "standin/files/reference_format.h"
 
@@ -38,7 +37,9 @@ OSErr openForAdding(const FSRef *folderReference, Object &folder, FolderHandle &
 
 OSErr findAndLock(const FSRef *reference, Object &object, ChangeLock &lock, Anchoring anchoring)
 {
-    const auto look = [&] { return anchoring == Anchoring::anew ? findObjectAnew(reference, object) : findObject(reference, object); };
+    const auto look = [&] {
+        return anchoring == Anchoring::anew ? findObjectAnew(reference, object) : findObjectInOpenFolder(reference, object);
+    };
     bool wasUnparked = false;
     if (OSErr result = guessPlace(reference, object))
         return result;
@@ -72,7 +73,7 @@ OSErr findAndLockBoth(const FSRef *reference, const Volume &volume, UInt32 other
             return diffVolErr;
         if (OSErr result = lock.take(*object.volume, folderID, object.folder, otherID, other))
             return result;
-        if (OSErr result = findObject(reference, object))
+        if (OSErr result = findObjectInOpenFolder(reference, object))
             return result;
         const bool isHere = object.parentID == folderID;
         if (isHere && (wasUnparked || !looksParked(object.name)))
@@ -86,14 +87,25 @@ OSErr findAndLockBoth(const FSRef *reference, const Volume &volume, UInt32 other
 
 OSErr checkMayLeave(const Object &object)
 {
+    KnownMetadata known;
+    return checkMayLeave(object, known);
+}
+
+OSErr checkMayLeave(const Object &object, KnownMetadata &known)
+{
     if (object.isRoot() || object.isMountPoint())
         return fBsyErr;
     if (OSErr result = object.volume->checkChangeable())
         return result;
-    bool exchangeWasCutOff = false;
-    if (OSErr result = checkNotLocked(object, &exchangeWasCutOff))
+    known = readKnownMetadata(object);
+    if (OSErr result = checkNotLocked(known))
         return result;
-    return exchangeWasCutOff ? finishExchangeOf(object) : static_cast<OSErr>(noErr);
+    if (!known.attributes.journal)
+        return noErr;
+    if (OSErr result = finishExchangeOf(object))
+        return result;
+    known = readKnownMetadata(object);
+    return noErr;
 }
 
 OSErr checkNamesAreFree(int folder, const std::vector<std::string> &names, const std::string *self)

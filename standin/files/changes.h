@@ -3,6 +3,7 @@
 
 #include "platform/platform.h"
 #include "standin/files/change_lock.h"
+#include "standin/files/metadata.h"
 #include "standin/files/references.h"
 
 #include <string>
@@ -24,7 +25,9 @@ OSErr findAndLockBoth(const FSRef *reference, const Volume &volume, UInt32 other
                       ChangeLock &lock);
 
 // Checks that an object may be moved, renamed or removed at all. Result: noErr; fBsyErr for a root or a mount point; the code of a lock.
+// The second form leaves what was read for that.
 OSErr checkMayLeave(const Object &object);
+OSErr checkMayLeave(const Object &object, KnownMetadata &known);
 
 // Checks that none of these disk names is taken in a folder; `self`, if it is given, may have one. Result: noErr; dupFNErr; the disk's code.
 OSErr checkNamesAreFree(int folder, const std::vector<std::string> &names, const std::string *self);

@@ -3,9 +3,11 @@
 #include "standin/files/block_lookup.h"
 #include "standin/files/changes.h"
 #include "standin/files/copy_metadata.h"
+#include "standin/files/default_directory.h"
 #include "standin/files/errors.h"
 #include "standin/files/names.h"
 #include "standin/files/sidecar_carrying.h"
+#include "standin/files/specified_objects.h"
 #include "standin/files/volume_services.h"
 
 #include <algorithm>
@@ -48,6 +50,11 @@ OSErr checkMayBeCopied(const Object &object)
     return object.status.isRegular() || object.status.isSymbolicLink() ? static_cast<OSErr>(noErr) : static_cast<OSErr>(notAFileErr);
 }
 
+bool isUnchanged(const ObjectStatus &before, const ObjectStatus &now)
+{
+    return now.change.tv_sec == before.change.tv_sec && now.change.tv_nsec == before.change.tv_nsec;
+}
+
 // Whether file and sidecar were one pair when they were opened: with a rename or an exchange a file's change date changes.
 bool isStillThere(const Object &before, const ObjectStatus &now)
 {
@@ -55,7 +62,7 @@ bool isStillThere(const Object &before, const ObjectStatus &now)
     const Identity identity = before.identity();
     if (!sameObject(identity, identityOf(*before.volume, now)))
         return false;
-    if (now.change.tv_sec == before.status.change.tv_sec && now.change.tv_nsec == before.status.change.tv_nsec)
+    if (isUnchanged(before.status, now))
         return true;
     return linux_calls::statusAt(before.folder->number(), before.name.c_str(), named) == 0 &&
            sameObject(identity, identityOf(*before.volume, named));
@@ -83,8 +90,22 @@ OSErr openSource(Source &source, const Volume &target, bool &fits)
     return noErr;
 }
 
+// Who asked for the source's FSSpec a moment ago has looked it up already: opening it shows whether it is still that very file, unchanged. False if it is not.
+bool openSpecified(const CopyParam &block, const Volume &target, Source &source, OSErr &result)
+{
+    bool fits = false;
+    if (!recallSpecified(block.ioVRefNum, block.ioDirID, block.ioNamePtr, source.object) || checkMayBeCopied(source.object) != noErr)
+        return false;
+    const ObjectStatus before = source.object.status;
+    result = openSource(source, target, fits);
+    return source.file.isOpen() && (result != noErr || (fits && isUnchanged(before, source.object.status)));
+}
+
 OSErr findSource(const CopyParam &block, const Volume &target, Source &source)
 {
+    OSErr resultOfSpecified = noErr;
+    if (openSpecified(block, target, source, resultOfSpecified))
+        return resultOfSpecified;
     for (int attempt = 0; attempt < mostAttempts; ++attempt)
     {
         bool fits;
@@ -111,10 +132,8 @@ OSErr targetResult(int failure)
 OSErr findTargetFolder(const CopyParam &block, Target &target)
 {
     Object folder;
-    target.volume = findVolume(block.ioDstVRefNum);
-    if (!target.volume)
-        return nsvErr;
-    target.folderID = block.ioNewDirID == 0 ? static_cast<UInt32>(fsRtDirID) : static_cast<UInt32>(block.ioNewDirID);
+    if (OSErr result = directoryOfBlock(block.ioDstVRefNum, block.ioNewDirID, target.volume, target.folderID))
+        return result;
     if (block.ioNewName && block.ioNewName[0] > 0)
     {
         if (OSErr result = findByTriple(block.ioDstVRefNum, block.ioNewDirID, block.ioNewName, folder))

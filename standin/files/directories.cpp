@@ -1,6 +1,7 @@
 #include "standin/files/directories.h"
 
 #include "standin/files/change_lock.h"
+#include "standin/files/idle_folders.h"
 #include "standin/files/listings.h"
 #include "standin/files/open_levels.h"
 
@@ -15,8 +16,7 @@ namespace standin
 namespace
 {
 
-constexpr std::size_t mostOpenFolders = 20;   // beside those of open iterators, which are as many at most
-constexpr std::int64_t longestIdleMilliseconds = 1000;
+constexpr std::size_t mostOpenFolders = 20;      // beside those of open iterators, which are as many at most
 constexpr std::size_t longestPiece = 3800;       // of a path handed to the kernel at once
 constexpr std::size_t deepestFolder = 1000000;   // beyond it the remembered parents must be going in a circle
 
@@ -24,6 +24,7 @@ struct OpenFolder
 {
     FolderHandle handle;
     std::int64_t lastUse;
+    bool isOnMountedDisk;
 };
 
 struct OpenFolderTable
@@ -32,9 +33,10 @@ struct OpenFolderTable
     std::unordered_map<std::uint64_t, OpenFolder> folders;   // by volume and ID
 };
 
+// Never destroyed: a thread may still look after idle folders when the process ends.
 OpenFolderTable &table()
 {
-    static OpenFolderTable folders;
+    static OpenFolderTable &folders = *new OpenFolderTable;
     return folders;
 }
 
@@ -43,10 +45,12 @@ std::uint64_t keyOf(const Volume &volume, UInt32 id)
     return (static_cast<std::uint64_t>(static_cast<UInt16>(volume.number)) << 32) | id;
 }
 
+// A disk's root is null too where the disk is gone.
 FolderHandle recentlyUsed(const Volume &volume, UInt32 id)
 {
+    FolderHandle root;
     if (id == fsRtDirID)
-        return volume.root;
+        return volume.root.open(Keeping::open, root) == noErr ? root : nullptr;
     const std::int64_t now = linux_calls::milliseconds();
     {
         const std::lock_guard lock(table().mutex);
@@ -70,12 +74,16 @@ FolderHandle everUsed(const Volume &volume, UInt32 id)
 FolderHandle keep(const Volume &volume, UInt32 id, Descriptor descriptor)
 {
     auto handle = std::make_shared<const Descriptor>(std::move(descriptor));
-    const std::lock_guard lock(table().mutex);
-    auto &folders = table().folders;
-    folders.insert_or_assign(keyOf(volume, id), OpenFolder{handle, linux_calls::milliseconds()});
-    if (folders.size() > mostOpenFolders)
-        folders.erase(std::min_element(folders.begin(), folders.end(),
-                                       [](const auto &a, const auto &b) { return a.second.lastUse < b.second.lastUse; }));
+    {
+        const std::lock_guard lock(table().mutex);
+        auto &folders = table().folders;
+        folders.insert_or_assign(keyOf(volume, id), OpenFolder{handle, linux_calls::milliseconds(), volume.isMountedDisk});
+        if (folders.size() > mostOpenFolders)
+            folders.erase(std::min_element(folders.begin(), folders.end(),
+                                           [](const auto &a, const auto &b) { return a.second.lastUse < b.second.lastUse; }));
+    }
+    if (volume.isMountedDisk)
+        noteKeptFolder();
     return handle;
 }
 
@@ -100,6 +108,12 @@ OSErr collectWay(const Volume &volume, UInt32 id, Anchoring anchoring, std::vect
         const bool mayTake = id == fsRtDirID || (anchoring == Anchoring::recent && !way.empty());
         if (mayTake && (start = recentlyUsed(volume, id)))
             break;
+        if (id == fsRtDirID)
+        {
+            if (OSErr result = volume.root.open(Keeping::open, start))
+                return result;
+            break;
+        }
         Folder folder;
         if (way.size() > deepestFolder || !recallFolder(volume, id, folder))
             return dirNFErr;
@@ -135,7 +149,10 @@ OSErr findElsewhere(const Volume &volume, const Folder &folder, UInt32 &id)
         return noErr;
     if (folder.identity.birth == 0)
         return dirNFErr;   // an inode number alone would be a guess
-    const Descriptor opened(linux_calls::openByInode(volume.root->number(), folder.identity.inode));
+    FolderHandle root;
+    if (OSErr result = volume.root.open(Keeping::open, root))
+        return result;
+    const Descriptor opened(linux_calls::openByInode(root->number(), folder.identity.inode));
     if (!opened.isOpen() || !isFolderOf(volume, opened.number(), folder.identity))
         return dirNFErr;
     return anchorFolder(volume, opened.number(), id);
@@ -151,11 +168,12 @@ OSErr descendSlowly(const Volume &volume, FolderHandle start, const std::vector<
         Descriptor next = openChild(current->number(), folder.name);
         if (!next.isOpen() || !isFolderOf(volume, next.number(), folder.identity))
         {
-            const std::string name = findByIdentity(volume, current->number(), folder.identity);
             UInt32 id;
-            if (name.empty())
-                return findElsewhere(volume, folder, id) == noErr ? openFolder(volume, way.back().id, handle, Anchoring::anew) : dirNFErr;
+            const std::string name = findByIdentity(volume, current->number(), folder.identity);
             next = openChild(current->number(), name);
+            // Without births it may be a file that got the inode number: that is nobody's folder, and must not be remembered as one.
+            if (!next.isOpen() || !isFolderOf(volume, next.number(), folder.identity))
+                return findElsewhere(volume, folder, id) == noErr ? openFolder(volume, way.back().id, handle, Anchoring::anew) : dirNFErr;
             rememberFolder(volume, parentID, name, folder.identity);
         }
         parentID = folder.id;
@@ -228,6 +246,22 @@ void forgetDirectory(const Volume &volume, const Identity &identity)
     const std::lock_guard lock(table().mutex);
     if (auto node = table().folders.extract(keyOf(volume, folder.id)))
         closed = std::move(node.mapped().handle);
+}
+
+std::size_t closeIdleDirectories(std::int64_t usedBefore)
+{
+    std::vector<FolderHandle> closed;   // after the mutex is free
+    std::size_t left = 0;
+    const std::lock_guard lock(table().mutex);
+    for (auto entry = table().folders.begin(); entry != table().folders.end();)
+    {
+        const bool isIdle = entry->second.isOnMountedDisk && entry->second.lastUse < usedBefore;
+        left += entry->second.isOnMountedDisk && !isIdle;
+        if (isIdle)
+            closed.push_back(std::move(entry->second.handle));
+        entry = isIdle ? table().folders.erase(entry) : std::next(entry);
+    }
+    return left;
 }
 
 void forgetDirectoriesOf(FSVolumeRefNum volume)

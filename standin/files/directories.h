@@ -27,6 +27,9 @@ OSErr anchorFolder(const Volume &volume, int folder, UInt32 &id);
 // A folder was deleted: where the disk has no births, the next one with its inode number must not be taken for it.
 void forgetDirectory(const Volume &volume, const Identity &identity);
 
+// Closes those on mounted disks that nobody has used since a moment of linux_calls::milliseconds(). The result is how many stay open there.
+std::size_t closeIdleDirectories(std::int64_t usedBefore);
+
 void forgetDirectoriesOf(FSVolumeRefNum volume);
 void forgetAllDirectories();
 

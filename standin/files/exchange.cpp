@@ -2,11 +2,13 @@
 //
 // Before the first step both files get a journal that says where they go and what metadata that place has. Two files without sidecars then change places in
 // one step. Else the first makes room under a temporary name, the second takes its place, and the first goes where the second was, each with its sidecar.
+//
+// Where the one step is all there is to do, a journal would say nothing: neither place has metadata of its own, and there are no file IDs to keep up.
 #include "platform/platform.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
 #include "standin/files/exchanged_objects.h"
-#include "standin/files/file_ids.h"
+#include "standin/files/file_id_notes.h"
 #include "standin/files/forks.h"
 #include "standin/files/metadata.h"
 #include "standin/files/metadata_attributes.h"
@@ -27,8 +29,9 @@ namespace
 // One of the two files.
 struct Side
 {
-    Object object;   // where it is; after the exchange where it has come to
-    Descriptor itself;
+    Object object;            // where it is; after the exchange where it has come to
+    KnownMetadata known;      // as they were before
+    Descriptor itself;        // open if anything of it is to be changed
     PlaceMetadata metadata;   // of the place where it was
     std::size_t room = 0;     // that its attributes will need
 };
@@ -91,9 +94,45 @@ OSErr prepare(Side &side)
     if (OSErr result = findSidecar(place, hasSidecar))
         return result;
     side.object.sidecarIsAbsent = !hasSidecar;
-    if (OSErr result = checkMayLeave(side.object))
-        return result;
-    return openItself(side.object, O_PATH, side.itself);
+    return checkMayLeave(side.object, side.known);
+}
+
+OSErr openSides(Side &first, Side &second)
+{
+    for (Side *side : {&first, &second})
+        if (!side->itself.isOpen())
+            if (OSErr result = openItself(side->object, O_PATH, side->itself))
+                return result;
+    return noErr;
+}
+
+// --- what there is to do ---------------------------------------------------------------------------------------------------------------------
+
+bool getsOtherOwner(const ObjectStatus &own, const ObjectStatus &place)
+{
+    return own.user != place.user || own.group != place.group;
+}
+
+bool getsOtherAccessDate(const ObjectStatus &own, const ObjectStatus &place)
+{
+    return own.access.tv_sec != place.access.tv_sec || own.access.tv_nsec != place.access.tv_nsec;
+}
+
+bool getsOtherStatus(const Side &side, const Side &other)
+{
+    const ObjectStatus &own = side.object.status, &place = other.object.status;
+    return getsOtherOwner(own, place) || own.mode != place.mode || getsOtherAccessDate(own, place);
+}
+
+bool changePlacesAtOnce(const Side &first, const Side &second)
+{
+    return first.object.sidecarIsAbsent && second.object.sidecarIsAbsent;
+}
+
+bool needJournals(const Side &first, const Side &second)
+{
+    return !changePlacesAtOnce(first, second) || changesMetadata(first.known.attributes, second.metadata) ||
+           changesMetadata(second.known.attributes, first.metadata) || mayHaveFileIDs();
 }
 
 OSErr placeOf(const Object &object, ExchangePlace &place)
@@ -118,8 +157,10 @@ OSErr writeJournalOf(const Side &side, const Side &other)
     return writeJournal(side.object, side.itself.number(), journal, side.room);
 }
 
-OSErr writeJournals(const Side &first, const Side &second)
+OSErr writeJournals(Side &first, Side &second)
 {
+    if (OSErr result = openSides(first, second))
+        return result;
     if (OSErr result = writeJournalOf(first, second))
         return result;
     const OSErr result = writeJournalOf(second, first);
@@ -180,21 +221,31 @@ OSErr changePlacesInSteps(Object &first, Object &second)
     return result;
 }
 
-OSErr changePlaces(Object &first, Object &second)
+int changePlacesInOneStep(Object &first, Object &second)
 {
     const Object firstPlace = first;
-    if (!first.sidecarIsAbsent || !second.sidecarIsAbsent)
-        return changePlacesInSteps(first, second);
     const int failure =
         linux_calls::exchangeNames(first.folder->number(), first.name.c_str(), second.folder->number(), second.name.c_str());
-    if (failure == -EINVAL || failure == -ENOSYS)   // a disk without that step
-        return changePlacesInSteps(first, second);
-    if (failure == 0)
+    if (failure)
+        return failure;
+    setPlace(first, second);
+    setPlace(second, firstPlace);
+    return 0;
+}
+
+OSErr changePlaces(Side &first, Side &second, bool &haveJournals)
+{
+    if (changePlacesAtOnce(first, second))
     {
-        setPlace(first, second);
-        setPlace(second, firstPlace);
+        const int failure = changePlacesInOneStep(first.object, second.object);
+        if (failure != -EINVAL && failure != -ENOSYS)   // these: a disk without that step
+            return resultFromErrno(-failure);
     }
-    return resultFromErrno(-failure);
+    if (!haveJournals)
+        if (OSErr result = writeJournals(first, second))
+            return result;
+    haveJournals = true;
+    return changePlacesInSteps(first.object, second.object);
 }
 
 // --- after the last step ---------------------------------------------------------------------------------------------------------------------
@@ -204,40 +255,45 @@ OSErr giveStatusOfPlace(const Side &side, const ObjectStatus &place)
 {
     const ObjectStatus &own = side.object.status;
     const int descriptor = side.itself.number();
-    const bool otherOwner = own.user != place.user || own.group != place.group;
+    const bool otherOwner = getsOtherOwner(own, place);
     const std::timespec times[2] = {place.access, {0, UTIME_OMIT}};
     int failure = otherOwner ? linux_calls::setOwner(descriptor, place.user, place.group) : 0;
     if (failure == -EPERM && own.user == place.user)
         failure = 0;
     if (failure == 0 && (otherOwner || own.mode != place.mode))
         failure = linux_calls::setMode(descriptor, place.mode);
-    if (failure == 0)
+    if (failure == 0 && getsOtherAccessDate(own, place))
         failure = linux_calls::setTimes(descriptor, times);
     return resultFromErrno(-failure);
 }
 
-OSErr settle(const Side &side, const Side &other)
+OSErr settle(const Side &side, const Side &other, bool haveJournals)
 {
-    if (OSErr result = giveMetadataOfPlace(side.object, side.itself.number(), other.metadata))
-        return result;
-    return giveStatusOfPlace(side, other.object.status);
+    if (haveJournals)
+        if (OSErr result = giveMetadataOfPlace(side.object, side.itself.number(), side.known.attributes, other.metadata))
+            return result;
+    return getsOtherStatus(side, other) ? giveStatusOfPlace(side, other.object.status) : static_cast<OSErr>(noErr);
 }
 
 OSErr exchangeLocked(Side &first, Side &second)
 {
-    if (OSErr result = readPlaceMetadata(first.object, second.object, first.metadata, first.room))
+    if (OSErr result = makePlaceMetadata(first.object, first.known, second.object, first.metadata, first.room))
         return result;
-    if (OSErr result = readPlaceMetadata(second.object, first.object, second.metadata, second.room))
+    if (OSErr result = makePlaceMetadata(second.object, second.known, first.object, second.metadata, second.room))
         return result;
-    if (OSErr result = writeJournals(first, second))
+    bool haveJournals = needJournals(first, second);
+    if (OSErr result = haveJournals ? writeJournals(first, second) : static_cast<OSErr>(noErr))
         return result;
+    if (getsOtherStatus(first, second))
+        if (OSErr result = openSides(first, second))
+            return result;
     {
         const PlaceChange change;
         const Object firstPlace = first.object, secondPlace = second.object;
-        const OSErr result = changePlaces(first.object, second.object);
+        const OSErr result = changePlaces(first, second, haveJournals);
         const bool isBack = isPlaceOf(first.object, firstPlace) && isPlaceOf(second.object, secondPlace);
         for (const Side *side : {&first, &second})
-            if (result != noErr && isBack)
+            if (result != noErr && isBack && haveJournals)
                 removeJournal(side->object, side->itself.number());
         if (result != noErr)
             return result;
@@ -246,7 +302,7 @@ OSErr exchangeLocked(Side &first, Side &second)
         noteMoved(second.object, second.object.parentID, second.object.name);
     }
     noteExchangeForFileIDs(first.object.volume, first.object.identity(), second.object.identity());
-    const OSErr firstResult = settle(first, second), secondResult = settle(second, first);
+    const OSErr firstResult = settle(first, second, haveJournals), secondResult = settle(second, first, haveJournals);
     return firstResult != noErr ? firstResult : secondResult;
 }
 

@@ -1,6 +1,6 @@
 #include "standin/files/exchange_finishing.h"
 
-#include "standin/files/change_lock.h"
+#include "standin/files/changes.h"
 #include "standin/files/metadata.h"
 #include "standin/files/moved_objects.h"
 #include "standin/files/sidecar_carrying.h"
@@ -74,6 +74,18 @@ OSErr finishExchangeOf(const Object &object)
     if (OSErr result = openItself(object, O_PATH, itself))
         return result;
     return changeMetadata(object, itself.number(), 0, [](Metadata &) {});
+}
+
+bool finishExchangeIfCutOff(const Object &found)
+{
+    Object object;
+    ChangeLock lock;
+    if (found.isFolder() || !mayHaveAttributes(found) || !readAttributes(found, true).journal)
+        return false;
+    const FSRef reference = makeReference(found);
+    if (findAndLock(&reference, object, lock) != noErr || object.volume->checkChangeable() != noErr)
+        return false;
+    return finishExchangeOf(object) == noErr;
 }
 
 void unpark(const Object &found)

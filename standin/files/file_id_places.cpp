@@ -48,22 +48,32 @@ OSErr bringFolderRowInLine(const Volume &volume, RowNumber volumeRow, const Fold
     return changeFolderRow(volumeRow, present);
 }
 
-// Makes the folders of a row known to this process, which may know better where they lie now. False if it is not certain that they are the same ones.
-bool rememberWay(const Volume &volume, const std::vector<StoredFolder> &way, UInt32 &folderID)
+bool liesAt(const VolumeHandle &volume, UInt32 folderID, const std::string &name, const Identity &identity)
+{
+    Object there;
+    return findNamed(volume, folderID, name, there) == noErr && there.isFolder() && sameObject(there.identity(), identity);
+}
+
+// Makes the folders of a row known to this process. Where it remembers another place, either may be the older one: another process may have moved the
+// folder, and on a disk without births what is remembered may be of an earlier folder that had the inode number. Then the disk is asked. False if it is not
+// certain that they are the same ones.
+bool rememberWay(const VolumeHandle &volume, const std::vector<StoredFolder> &way, UInt32 &folderID)
 {
     bool isCertain = true;
     folderID = fsRtDirID;
     for (const StoredFolder &stored : way)
     {
-        const Identity identity = presentIdentityOf(volume, stored.identity);
+        const Identity identity = presentIdentityOf(*volume, stored.identity);
         Folder known;
-        if (!recallFolder(volume, identity, known))
-            folderID = rememberFolder(volume, folderID, stored.name, identity);
-        else
+        const bool isKnown = recallFolder(*volume, identity, known);
+        const bool isKnownElsewhere = isKnown && (known.parentID != folderID || known.name != stored.name);
+        if (isKnownElsewhere && !liesAt(volume, folderID, stored.name, identity))
         {
-            isCertain &= identity.birth != 0 || (known.parentID == folderID && known.name == stored.name);
+            isCertain &= identity.birth != 0;
             folderID = known.id;
         }
+        else
+            folderID = rememberFolder(*volume, folderID, stored.name, identity);
     }
     return isCertain;
 }
@@ -99,12 +109,14 @@ bool findFileNamed(const VolumeHandle &volume, UInt32 folderID, const std::strin
 std::string storedIdentityOf(const Volume &volume)
 {
     struct statvfs disk;
-    const bool isKnown = linux_calls::diskStatistics(volume.root->number(), disk) == 0 && disk.f_fsid != 0;
+    RootHandle handle;
+    const bool isKnown =
+        volume.root.open(Keeping::open, handle) == noErr && linux_calls::diskStatistics(handle->number(), disk) == 0 && disk.f_fsid != 0;
     const ObjectStatus &root = volume.rootStatus;
     char text[96];
     std::snprintf(text, sizeof text, "%016" PRIx64 " %" PRIu64 " %" PRIu64, isKnown ? std::uint64_t{disk.f_fsid} : 0, root.inode,
                   volume.comparesBirths ? packBirth(root.birth) : 0);
-    return isKnown ? text : text + (' ' + volume.path);   // a disk that has no number of its own is known by its place
+    return isKnown ? text : text + (' ' + volume.root.path());   // a disk that has no number of its own is known by its place
 }
 
 Identity storedIdentityOf(const Volume &volume, const Identity &identity)
@@ -156,7 +168,7 @@ OSErr findFileOfRow(const VolumeHandle &volume, const StoredFile &row, const std
     UInt32 folderID = 0;
     OSErr result = noErr;
     Object named;
-    const bool isCertain = rememberWay(*volume, way, folderID);
+    const bool isCertain = rememberWay(volume, way, folderID);
     const FSRef reference = referenceFrom(*volume, folderID, row);
     how = FoundBy::identity;
     const bool isFound = findObject(&reference, found) == noErr && !found.isFolder();

@@ -1,167 +1,21 @@
-#include "standin/files/file_ids.h"
-
+// File IDs: numbers by which a file is found again, also by another process and after it was renamed or moved.
 #include "platform/platform.h"
 #include "standin/files/block_lookup.h"
+#include "standin/files/exchange_finishing.h"
 #include "standin/files/file_id_database.h"
+#include "standin/files/file_id_notes.h"
 #include "standin/files/file_id_places.h"
 #include "standin/files/short_lookups.h"
 
 #include <algorithm>
-#include <deque>
-#include <mutex>
 
 using namespace standin;
 
 namespace
 {
 
-// How long others' writing is waited for, in milliseconds: as for a folder's lock where an ID is asked for; hardly where it is only kept up with a change.
-constexpr int patienceOfCalls = 2000, patienceOfNotes = 50, noPatience = 0;
-
-// --- keeping up with changes of place ------------------------------------------------------------------------------------------------------
-
-struct PlaceNote
-{
-    VolumeHandle volume;
-    Identity identity;
-    bool isFolder = false;
-    UInt32 oldParentID = 0, newParentID = 0;
-    std::string oldName, newName;
-    bool isExchange = false;
-    Identity other;   // of an exchange
-};
-
-struct NoteQueue
-{
-    static constexpr std::size_t most = 65536;
-    std::mutex mutex;
-    std::deque<PlaceNote> notes;   // the oldest first
-};
-
-NoteQueue &noteQueue()
-{
-    static NoteQueue queue;
-    return queue;
-}
-
-// The folder's row if the database has it.
-OSErr writeFolderNote(const PlaceNote &note, RowNumber volumeRow)
-{
-    StoredFolder folder;
-    DatabaseTransaction transaction;
-    const Identity stored = storedIdentityOf(*note.volume, note.identity);
-    if (OSErr result = findFolderRow(volumeRow, stored, folder))
-        return result;
-    if (OSErr result = transaction.begin(DatabaseTransaction::writing))
-        return result;
-    if (OSErr result = giveRowToFolder(*note.volume, volumeRow, note.newParentID, folder.parent))
-        return result;
-    folder.name = note.newName;
-    if (OSErr result = changeFolderRow(volumeRow, folder))
-        return result;
-    return transaction.commit();
-}
-
-OSErr changePlace(const Volume &volume, RowNumber volumeRow, StoredFile &file, UInt32 folderID, const std::string &name)
-{
-    if (OSErr result = giveRowToFolder(volume, volumeRow, folderID, file.folder))
-        return result;
-    file.name = name;
-    return changeFileRow(volumeRow, file);
-}
-
-OSErr writeFileNote(const PlaceNote &note, RowNumber volumeRow)
-{
-    std::vector<StoredFile> files;
-    RowNumber oldFolder = rootRow;
-    DatabaseTransaction transaction;
-    const Identity stored = storedIdentityOf(*note.volume, note.identity);
-    if (OSErr result = findFileRowsByIdentity(volumeRow, stored, files); result != noErr || files.empty())
-        return result;
-    if (OSErr result = transaction.begin(DatabaseTransaction::writing))
-        return result;
-    findRowOfFolder(*note.volume, volumeRow, note.oldParentID, oldFolder);
-    for (StoredFile &file : files)
-        if (meansFile(file, stored, oldFolder, note.oldName))
-            if (OSErr result = changePlace(*note.volume, volumeRow, file, note.newParentID, note.newName))
-                return result;
-    return transaction.commit();
-}
-
-OSErr giveIdentity(RowNumber volumeRow, std::vector<StoredFile> &files, const Identity &before, const Identity &now)
-{
-    for (StoredFile &file : files)
-    {
-        if (!sameObject(file.identity, before))
-            continue;
-        file.identity = now;
-        if (OSErr result = changeFileRow(volumeRow, file))
-            return result;
-    }
-    return noErr;
-}
-
-OSErr writeExchangeNote(const PlaceNote &note, RowNumber volumeRow)
-{
-    std::vector<StoredFile> firstFiles, secondFiles;
-    DatabaseTransaction transaction;
-    const Identity first = storedIdentityOf(*note.volume, note.identity), second = storedIdentityOf(*note.volume, note.other);
-    if (OSErr result = findFileRowsByIdentity(volumeRow, first, firstFiles))
-        return result;
-    if (OSErr result = findFileRowsByIdentity(volumeRow, second, secondFiles))
-        return result;
-    if (firstFiles.empty() && secondFiles.empty())
-        return noErr;
-    if (OSErr result = transaction.begin(DatabaseTransaction::writing))
-        return result;
-    if (OSErr result = giveIdentity(volumeRow, firstFiles, first, second))
-        return result;
-    if (OSErr result = giveIdentity(volumeRow, secondFiles, second, first))
-        return result;
-    return transaction.commit();
-}
-
-OSErr writeNote(const PlaceNote &note)
-{
-    RowNumber volumeRow = 0;
-    if (OSErr result = findVolumeRow(storedIdentityOf(*note.volume), volumeRow))
-        return result;
-    if (note.isExchange)
-        return writeExchangeNote(note, volumeRow);
-    return note.isFolder ? writeFolderNote(note, volumeRow) : writeFileNote(note, volumeRow);
-}
-
-// With the database open. Whatever else goes wrong with a note will not go better the next time.
-void writeNotes(Database &database, int patience)
-{
-    database.setPatience(patience);
-    const std::lock_guard lock(noteQueue().mutex);
-    auto &notes = noteQueue().notes;
-    while (!notes.empty() && writeNote(notes.front()) != fBsyErr)
-        notes.pop_front();
-}
-
-// Where there are no IDs at all, that is looked for ten times a second at most.
-void takeNote(PlaceNote note)
-{
-    if (databaseWasMissing())
-        return;
-    {
-        const std::lock_guard lock(noteQueue().mutex);
-        auto &notes = noteQueue().notes;
-        notes.push_back(std::move(note));
-        if (notes.size() > NoteQueue::most)
-            notes.pop_front();
-    }
-    Database database(patienceOfNotes);
-    const OSErr result = database.open(DatabaseUse::reading);
-    if (result == noErr)
-        return writeNotes(database, patienceOfNotes);
-    if (result == fBsyErr)
-        return;
-    const std::lock_guard lock(noteQueue().mutex);
-    noteQueue().notes.clear();   // there are no IDs, or none that can be read
-}
+// How long others' writing is waited for, in milliseconds: as for a folder's lock.
+constexpr int patienceOfCalls = 2000, noPatience = 0;
 
 // --- creating ------------------------------------------------------------------------------------------------------------------------------
 
@@ -241,10 +95,18 @@ OSErr giveID(NewID &wanted)
     return result;
 }
 
+// A file whose exchange was cut off gets its ID when that is over: until then its IDs may be those of another place.
+OSErr findFinished(const FIDParam &block, Object &object)
+{
+    const auto find = [&] { return findByTriple(block.ioVRefNum, block.ioSrcDirID, block.ioNamePtr, object); };
+    const OSErr result = find();
+    return result == noErr && finishExchangeIfCutOff(object) ? find() : result;
+}
+
 OSErr createID(FIDParam &block)
 {
     Object object;
-    if (OSErr result = findByTriple(block.ioVRefNum, block.ioSrcDirID, block.ioNamePtr, object))
+    if (OSErr result = findFinished(block, object))
         return result;
     if (object.isFolder())
         return notAFileErr;
@@ -253,7 +115,7 @@ OSErr createID(FIDParam &block)
     NewID wanted{object, 0, 0, storedIdentityOf(*object.volume, object.identity()), 0};
     if (OSErr result = database.open(DatabaseUse::creating))
         return result;
-    writeNotes(database, noPatience);
+    writeNotesForFileIDs(database, noPatience);
     database.setPatience(patienceOfCalls);
     if (OSErr result = transaction.begin(DatabaseTransaction::writing))
         return result;
@@ -281,7 +143,7 @@ OSErr readPlace(const Volume &volume, UInt32 id, StoredPlace &place)
     DatabaseTransaction transaction;
     if (OSErr result = database.open(DatabaseUse::reading))
         return result;
-    writeNotes(database, noPatience);
+    writeNotesForFileIDs(database, noPatience);
     database.setPatience(patienceOfCalls);
     if (OSErr result = transaction.begin(DatabaseTransaction::reading))
         return result;
@@ -317,18 +179,27 @@ void noteWhereFound(const Object &found, StoredPlace &place)
         transaction.commit();
 }
 
+OSErr findFileOfID(const VolumeHandle &volume, UInt32 id, StoredPlace &place, Object &found, FoundBy &how)
+{
+    if (OSErr result = readPlace(*volume, id, place))
+        return result;
+    return findFileOfRow(volume, place.file, place.way, found, how);
+}
+
 OSErr resolveID(FIDParam &block)
 {
     Object found;
     FoundBy how{};
     StoredPlace place;
+    const auto id = static_cast<UInt32>(block.ioFileID);
     const VolumeHandle volume = findVolume(block.ioVRefNum);
     if (!volume)
         return nsvErr;
-    if (OSErr result = readPlace(*volume, static_cast<UInt32>(block.ioFileID), place))
+    if (OSErr result = findFileOfID(volume, id, place, found, how))
         return result;
-    if (OSErr result = findFileOfRow(volume, place.file, place.way, found, how))
-        return result;
+    if (how == FoundBy::identity && !isWhereItWas(found, place) && finishExchangeIfCutOff(found))
+        if (OSErr result = findFileOfID(volume, id, place, found, how))
+            return result;
     if (how == FoundBy::identity)
         noteWhereFound(found, place);
     Str63 name;
@@ -340,34 +211,6 @@ OSErr resolveID(FIDParam &block)
 }
 
 }   // namespace
-
-namespace standin
-{
-
-void noteMoveForFileIDs(const Object &object, UInt32 newParentID, const std::string &newName)
-{
-    PlaceNote note;
-    note.volume = object.volume;
-    note.identity = object.identity();
-    note.isFolder = object.isFolder();
-    note.oldParentID = object.parentID;
-    note.oldName = object.name;
-    note.newParentID = newParentID;
-    note.newName = newName;
-    takeNote(std::move(note));
-}
-
-void noteExchangeForFileIDs(const VolumeHandle &volume, const Identity &first, const Identity &second)
-{
-    PlaceNote note;
-    note.volume = volume;
-    note.identity = first;
-    note.isExchange = true;
-    note.other = second;
-    takeNote(std::move(note));
-}
-
-}   // namespace standin
 
 OSErr PBCreateFileIDRefSync(HParmBlkPtr block)
 {

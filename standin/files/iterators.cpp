@@ -35,7 +35,6 @@ void takeFolder(Level &level, const VolumeHandle &volume, UInt32 id, const Objec
     level.volume = volume;
     level.identity = identityOf(*volume, status);
     level.listed.volume = volume->number;
-    level.listed.device = numberOfDevice(status.device);
     level.listed.id = id;
     level.modification = status.modification;
 }
@@ -51,11 +50,12 @@ bool openThroughAbove(const ReferenceFields &fields, Opening &opening)
         ListedEntry entry;
         if (!above || !wasHandedOut(*above, fields, entry) || (!folderAbove && openFolderOf(*above, folderAbove) != noErr))
             return false;
-        noteUse(*above);
         name = entry.name;
         volume = above->volume;
         opening.level->volume = volume;
         opening.level->above = above->number;
+        opening.level->listed.device =
+            above->listed.device;   // if the reference names a folder on another one, it is opened in the general way
     }
     ObjectStatus status;
     auto folder = std::make_shared<const Descriptor>(linux_calls::openListedFolder(folderAbove->number(), name.c_str()));
@@ -80,6 +80,7 @@ OSErr openByReference(const FSRef *container, Opening &opening)
     if (!object.isFolder())
         return errFSNotAFolder;
     takeFolder(level, object.volume, object.nodeID(), object.status);
+    level.listed.device = numberOfDevice(object.status.device);
     level.standsEmpty = object.isMountPoint();
     if (level.standsEmpty)
         return noErr;
@@ -95,6 +96,7 @@ OSErr readFolder(Opening &opening)
     level.listed.moment = level.volume->comparesBirths ? packBirth(linux_calls::now()) : 0;
     level.changes = countOfChanges(level.listed.volume, level.listed.id);
     level.askedForChangeAt = linux_calls::coarseMilliseconds();
+    level.lastUse = level.askedForChangeAt;
     if (!opening.folder)
         return noErr;
     if (const int failure = level.listing.read(opening.folder->number()))
@@ -184,7 +186,7 @@ void fillFromEntry(const Level &level, const ListedEntry &entry, std::size_t ind
     if (outputs.which)
         fillInfoFromEntry(level, entry, outputs.which, outputs.infos[index]);
     if (outputs.refs)
-        writeListedReference(level.listed, entry.inode, exchangesOf({level.identity.device, entry.inode, 0}), entry.name,
+        writeListedReference(level.listed, entry.inode, 0, exchangesOf({level.identity.device, entry.inode, 0}), entry.name,
                              outputs.refs[index]);
     if (outputs.names)
         unicodeFromDiskName(entry.name, outputs.names[index]);
@@ -236,13 +238,23 @@ private:
     Level &level_;
 };
 
-OSErr fillFromObject(const Object &object, std::size_t index, const Outputs &outputs)
+// What is mounted over lies on another device than its folder.
+void fillReference(const Level &level, const Object &object, FSRef &reference)
+{
+    const Identity identity = object.identity();
+    if (identity.device == level.identity.device)
+        writeListedReference(level.listed, identity.inode, identity.birth, exchangesOf(identity), object.name, reference);
+    else
+        reference = makeReference(object);
+}
+
+OSErr fillFromObject(const Level &level, const Object &object, std::size_t index, const Outputs &outputs)
 {
     if (outputs.which)
         if (OSErr result = fillCatalogInfo(object, outputs.which, outputs.infos[index]))
             return result;
     if (outputs.refs)
-        outputs.refs[index] = makeReference(object);
+        fillReference(level, object, outputs.refs[index]);
     if (outputs.names)
         fillName(object, outputs.names[index]);
     if (outputs.specs)
@@ -268,7 +280,7 @@ OSErr fillNext(Level &level, ItemCount most, const Outputs &outputs, ItemCount &
         }
         OSErr result = object.become(entry);
         if (result == noErr)
-            result = fillFromObject(*object, count, outputs);
+            result = fillFromObject(level, *object, count, outputs);
         if (result != noErr && result != fnfErr)
             return result;
         count += result == noErr;
@@ -288,12 +300,12 @@ bool differsFromBefore(Level &level)
     return now.tv_sec != then.tv_sec || now.tv_nsec != then.tv_nsec;
 }
 
-// The disk is asked with the last object, and before that with every fourth if its clock has ticked since: a change is told a little later, and no later
-// than with the last object.
+// The disk is asked with the last object, and before that with every sixteenth if its clock has ticked since: a change is told a little later, and no
+// later than with the last object.
 bool hasChanged(Level &level)
 {
     const bool isAtEnd = level.remaining == 0;
-    if (!isAtEnd && level.remaining % 4 != 0)
+    if (!isAtEnd && level.remaining % 16 != 0)
         return level.hasChanged;
     const std::int64_t now = linux_calls::coarseMilliseconds();
     if (level.hasChanged || level.standsEmpty || level.failure != noErr ||

@@ -1,3 +1,4 @@
+#include "standin/files/held_clock.h"
 #include "standin/files/linux_repeated.h"
 
 #include <algorithm>
@@ -28,11 +29,15 @@ std::timespec fromStatx(const statx_timestamp &time)
     return {static_cast<time_t>(time.tv_sec), static_cast<long>(time.tv_nsec)};
 }
 
+// Since Linux 6.8 a mount has a number that no later one gets, and older headers do not know it. Older kernels give the other number.
+constexpr unsigned uniqueMountNumber = 0x4000;
+
 void take(const struct statx &from, ObjectStatus &to)
 {
     to.device = (static_cast<std::uint64_t>(from.stx_dev_major) << 32) | from.stx_dev_minor;
     to.inode = from.stx_ino;
-    to.mount = (from.stx_mask & STATX_MNT_ID) ? from.stx_mnt_id : 0;
+    to.mount = (from.stx_mask & (STATX_MNT_ID | uniqueMountNumber)) ? from.stx_mnt_id : 0;
+    to.mountIsUnique = (from.stx_mask & uniqueMountNumber) != 0;
     to.mode = from.stx_mode;
     to.links = from.stx_nlink;
     to.user = from.stx_uid;
@@ -51,8 +56,8 @@ int status(int descriptor, const char *name, int flags, ObjectStatus &result)
 {
     struct statx record;
     const int failure = repeated([&] {
-        return statx(descriptor, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID,
-                     &record);
+        return statx(descriptor, name, flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT,
+                     STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID | uniqueMountNumber, &record);
     });
     if (failure == 0)
         take(record, result);
@@ -78,6 +83,17 @@ int copyThroughBuffer(int from, std::uint64_t fromOffset, int to, std::uint64_t 
     return 0;
 }
 
+std::atomic<std::int64_t> heldMilliseconds{0};   // 0: the clocks go
+
+std::int64_t millisecondsOf(clockid_t clock)
+{
+    if (const std::int64_t held = heldMilliseconds.load(std::memory_order_relaxed))
+        return held;
+    std::timespec time;
+    ::clock_gettime(clock, &time);
+    return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+}
+
 }   // namespace
 
 Descriptor &Descriptor::operator=(Descriptor &&other) noexcept
@@ -90,7 +106,8 @@ void Descriptor::reset()
 {
     if (number_ < 0)
         return;
-    callCount.fetch_add(1, std::memory_order_relaxed);
+    if (countsCalls)
+        callCount.fetch_add(1, std::memory_order_relaxed);
     ::close(std::exchange(number_, -1));   // never again after EINTR: Linux has closed it all the same
 }
 
@@ -116,16 +133,22 @@ std::timespec now()
 
 std::int64_t milliseconds()
 {
-    std::timespec time;
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+    return millisecondsOf(CLOCK_MONOTONIC);
 }
 
 std::int64_t coarseMilliseconds()
 {
-    std::timespec time;
-    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
-    return static_cast<std::int64_t>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+    return millisecondsOf(CLOCK_MONOTONIC_COARSE);
+}
+
+void holdClock()
+{
+    heldMilliseconds = milliseconds();
+}
+
+void doNotCountOnThisThread()
+{
+    countsCalls = false;
 }
 
 void sleepMilliseconds(int milliseconds)

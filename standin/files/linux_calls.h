@@ -43,6 +43,7 @@ struct ObjectStatus
     std::timespec access{}, change{}, modification{}, birth{};
     bool hasBirth = false;
     bool isMountPoint = false;
+    bool mountIsUnique = false;   // no later mount gets its number
 
     bool isFolder() const { return (mode & 0170000) == 0040000; }
     bool isRegular() const { return (mode & 0170000) == 0100000; }
@@ -53,6 +54,7 @@ namespace linux_calls
 {
 
 std::uint64_t count();
+void doNotCountOnThisThread();   // what it closes; for a thread that works for nobody
 
 // Lets a test have calls fail: asked before each call, the filter gives 0 or the errno to fail with instead. Closing always closes. Null ends it.
 // It is told the name of the function here that is about to make the call.

@@ -13,6 +13,9 @@ namespace standin::linux_calls
 inline std::atomic<std::uint64_t> callCount{0};
 inline std::atomic<CallFilter> callFilter{nullptr};
 
+// False on the thread that closes what nobody used: that belongs to no work whose calls are counted.
+inline thread_local constinit bool countsCalls = true;
+
 // Makes one system call, again if a signal interrupted it.
 template <typename Call>
 auto repeated(Call call, const char *name = __builtin_FUNCTION()) -> decltype(call())

@@ -114,11 +114,18 @@ std::size_t packedSizeOf(const char *packed)
     return packedName + static_cast<unsigned char>(packed[packedLength]);
 }
 
-// Packed entries are shorter than the kernel's, so that each finds room where the kernel's stood or before.
+// Packed entries are shorter than the kernel's, so that each finds room where the kernel's stood or before. The name goes first, in words: each is read
+// before anything is written where it stood, because it moves by at least a word; what the last one carries behind the name is overwritten or not kept.
 void pack(char *packed, const Entry &entry)
 {
+    static_assert(nameOffset >= packedName + sizeof(std::uint64_t));
     const std::size_t length = entry.name.size();
-    std::memmove(packed + packedName, entry.name.data(), length);
+    for (std::size_t done = 0; done < length; done += sizeof(std::uint64_t))
+    {
+        std::uint64_t word;
+        std::memcpy(&word, entry.name.data() + done, sizeof word);
+        std::memcpy(packed + packedName + done, &word, sizeof word);
+    }
     std::memcpy(packed, &entry.inode, sizeof entry.inode);
     packed[packedType] = static_cast<char>(entry.type);
     packed[packedMarks] = 0;
@@ -228,11 +235,11 @@ void Listing::append(std::span<const char> packed)
 
 int Listing::read(int readable)
 {
-    alignas(8) char buffer[bufferSize];
+    alignas(8) char buffer[bufferSize + sizeof(std::uint64_t)];   // names are taken in words
     bool anySpecial = false;
     for (bool atEnd = false; !atEnd;)
     {
-        const ssize_t filled = linux_calls::readDirectory(readable, buffer);
+        const ssize_t filled = linux_calls::readDirectory(readable, {buffer, bufferSize});
         if (filled < 0)
             return static_cast<int>(filled);
         const PackedBuffer packed = packInPlace({buffer, static_cast<std::size_t>(filled)});

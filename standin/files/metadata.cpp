@@ -2,6 +2,7 @@
 
 #include "standin/files/dates.h"
 #include "standin/files/errors.h"
+#include "standin/files/file_id_notes.h"
 #include "standin/files/metadata_attributes.h"
 #include "standin/files/metadata_sidecars.h"
 #include "standin/files/sidecar_store.h"
@@ -111,9 +112,10 @@ void takeSidecar(const Object &object, Attributes &attributes, unsigned parts, M
 template <typename Step>
 OSErr withOwnersAccess(const Object &object, int descriptor, Step step)
 {
+    if ((object.status.mode & 0600) == 0600 || !mayHaveAttributes(object))
+        return step();
     const std::uint32_t user = linux_calls::effectiveUser();
-    const bool mayAlready = user == 0 || user != object.status.user || (object.status.mode & 0600) == 0600;
-    if (mayAlready || !mayHaveAttributes(object))
+    if (user == 0 || user != object.status.user)
         return step();
     if (const int failure = linux_calls::setMode(descriptor, object.status.mode | 0600))
         return resultFromErrno(-failure);
@@ -216,12 +218,14 @@ Attributes readBoth(const Object &object, unsigned parts, Metadata &metadata)
 
 // --- exchanged files -----------------------------------------------------------------------------------------------------------------------
 
-// Sets an attribute that is wanted, removes one that is not.
+// Sets an attribute that is wanted, removes one that is there and not wanted.
 template <typename Bytes>
-int writeOrRemove(int descriptor, const char *name, const std::optional<Bytes> &wanted)
+int writeOrRemove(int descriptor, const char *name, bool isThere, const std::optional<Bytes> &wanted)
 {
     if (wanted)
         return linux_calls::setAttribute(descriptor, name, *wanted);
+    if (!isThere)
+        return 0;
     const int failure = linux_calls::removeAttribute(descriptor, name);
     return failure == -ENODATA ? 0 : failure;
 }
@@ -239,7 +243,7 @@ int writeWithJournal(const Object &object, int descriptor, const std::function<i
     return shortened ? shortened : write();
 }
 
-OSErr writePlaceMetadata(const Object &object, int descriptor, const PlaceMetadata &metadata)
+OSErr writePlaceMetadata(const Object &object, int descriptor, const Attributes &before, const PlaceMetadata &metadata)
 {
     Metadata wanted;
     wanted.own = metadata.own.value_or(OwnRecord{});
@@ -251,20 +255,24 @@ OSErr writePlaceMetadata(const Object &object, int descriptor, const PlaceMetada
             return result;
     wanted.own.finderInfoWasShared = hasSidecar && metadata.shared;
     const auto own = wanted.own.isDefault() ? std::nullopt : std::optional(buildOwnRecord(wanted.own));
-    int failure = writeWithJournal(object, descriptor, [&] { return writeOrRemove(descriptor, ownAttributeName, own); });
+    int failure = writeWithJournal(object, descriptor, [&] { return writeOrRemove(descriptor, ownAttributeName, before.hasOwn, own); });
     if (failure == 0)
-        failure = writeWithJournal(object, descriptor, [&] { return writeOrRemove(descriptor, sharedAttributeName, metadata.shared); });
+        failure = writeWithJournal(object, descriptor,
+                                   [&] { return writeOrRemove(descriptor, sharedAttributeName, before.hasShared, metadata.shared); });
     if (failure == 0)
         failure = linux_calls::removeAttribute(descriptor, journalAttributeName);
     return resultFromErrno(-failure);
 }
 
 // What was cut off: the place's metadata come to the file that has arrived there; what never went is as before. A parked file waits for its way.
-OSErr finishExchange(const Object &object, int descriptor, const ExchangeJournal &journal)
+OSErr finishExchange(const Object &object, int descriptor, const Attributes &attributes)
 {
+    const ExchangeJournal &journal = *attributes.journal;
     switch (stageOf(object, journal))
     {
-    case ExchangeStage::arrived: return writePlaceMetadata(object, descriptor, journal.metadata);
+    case ExchangeStage::arrived:
+        noteFinishedExchangeForFileIDs(object, journal);
+        return writePlaceMetadata(object, descriptor, attributes, journal.metadata);
     case ExchangeStage::parked: return noErr;
     default: return resultFromErrno(-linux_calls::removeAttribute(descriptor, journalAttributeName));
     }
@@ -286,7 +294,7 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
             return resultFromErrno(attributes.failure);
         if (attributes.journal)
         {
-            if (OSErr result = finishExchange(object, descriptor, *attributes.journal))
+            if (OSErr result = finishExchange(object, descriptor, attributes))
                 return result;
             attributes = readBoth(object, kEveryPart, present);
         }
@@ -309,10 +317,10 @@ UTCDateTime creationDateOf(const Object &object, const OwnRecord &own)
     return dateFromLinux(std::min(status.modification, status.change, [&](const auto &a, const auto &b) { return moment(a) < moment(b); }));
 }
 
-OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMetadata &metadata, std::size_t &room)
+OSErr makePlaceMetadata(const Object &object, const KnownMetadata &known, const Object &successor, PlaceMetadata &metadata,
+                        std::size_t &room)
 {
-    Metadata present;
-    const Attributes attributes = readBoth(object, kFinderPart | kDatesPart | kHintPart, present);
+    const auto &[present, attributes] = known;
     if (attributes.failure)
         return resultFromErrno(attributes.failure);
     Metadata wanted;
@@ -329,9 +337,16 @@ OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMeta
     return noErr;
 }
 
-OSErr giveMetadataOfPlace(const Object &object, int descriptor, const PlaceMetadata &metadata)
+bool changesMetadata(const Attributes &attributes, const PlaceMetadata &metadata)
 {
-    return withOwnersAccess(object, descriptor, [&] { return writePlaceMetadata(object, descriptor, metadata); });
+    OwnRecord own = metadata.own.value_or(OwnRecord{});
+    own.finderInfoWasShared = false;   // without a sidecar it says nothing
+    return attributes.hasShared || attributes.hasOwn || metadata.shared || !own.isDefault();
+}
+
+OSErr giveMetadataOfPlace(const Object &object, int descriptor, const Attributes &before, const PlaceMetadata &metadata)
+{
+    return withOwnersAccess(object, descriptor, [&] { return writePlaceMetadata(object, descriptor, before, metadata); });
 }
 
 OSErr writeJournal(const Object &object, int descriptor, const ExchangeJournal &journal, std::size_t room)
@@ -349,14 +364,22 @@ OSErr removeJournal(const Object &object, int descriptor)
                             [&] { return resultFromErrno(-linux_calls::removeAttribute(descriptor, journalAttributeName)); });
 }
 
-OSErr checkNotLocked(const Object &object, bool *exchangeWasCutOff)
+KnownMetadata readKnownMetadata(const Object &object)
 {
-    Metadata metadata;
-    const Attributes attributes = readBoth(object, kLockPart, metadata);
-    const int failure = attributes.failure;
-    if (exchangeWasCutOff)
-        *exchangeWasCutOff = attributes.journal.has_value();
-    if (metadata.own.locked)
+    KnownMetadata known;
+    known.attributes = readBoth(object, kEveryPart & ~static_cast<unsigned>(kForkPart), known.all);
+    return known;
+}
+
+OSErr checkNotLocked(const Object &object)
+{
+    return checkNotLocked(readKnownMetadata(object));
+}
+
+OSErr checkNotLocked(const KnownMetadata &known)
+{
+    const int failure = known.attributes.failure;
+    if (known.all.own.locked)
         return fLckdErr;
     return failure == EACCES || failure == EPERM ? static_cast<OSErr>(noErr) : resultFromErrno(failure);
 }

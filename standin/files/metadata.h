@@ -9,7 +9,7 @@
 #pragma once
 
 #include "platform/platform.h"
-#include "standin/files/exchange_journal.h"
+#include "standin/files/metadata_attributes.h"
 #include "standin/files/references.h"
 
 #include <functional>
@@ -47,18 +47,31 @@ OSErr changeMetadata(const Object &object, int descriptor, unsigned parts, const
 // When the object was made, as far as anybody knows: the date that was set, else its birth, else the earlier of its other dates.
 UTCDateTime creationDateOf(const Object &object, const OwnRecord &own);
 
+// What more than one question is answered from, read once: everything but the fork's sizes.
+struct KnownMetadata
+{
+    Metadata all;
+    Attributes attributes;
+};
+KnownMetadata readKnownMetadata(const Object &object);
+
 // Result: noErr; fLckdErr if it is locked; the disk's code if that cannot be found out. A lock that may not be read is none.
-// `exchangeWasCutOff` may be null.
-OSErr checkNotLocked(const Object &object, bool *exchangeWasCutOff = nullptr);
+OSErr checkNotLocked(const Object &object);
+OSErr checkNotLocked(const KnownMetadata &known);
 
 // --- exchanging; with the locks of both folders held ---
 
 // What stays with the place where `object` is when it is exchanged and `successor` comes there. `room`: what the object's own
 // attributes may still grow by when it is given the metadata of another place.
-OSErr readPlaceMetadata(const Object &object, const Object &successor, PlaceMetadata &metadata, std::size_t &room);
+OSErr makePlaceMetadata(const Object &object, const KnownMetadata &known, const Object &successor, PlaceMetadata &metadata,
+                        std::size_t &room);
 
-// A file has come to its place: it gets the place's metadata, and its journal goes. `descriptor` may be O_PATH, for all three.
-OSErr giveMetadataOfPlace(const Object &object, int descriptor, const PlaceMetadata &metadata);
+// Whether a file with these attributes and without a sidecar would be changed by being given these metadata.
+bool changesMetadata(const Attributes &attributes, const PlaceMetadata &metadata);
+
+// A file has come to its place: it gets the place's metadata, and its journal goes. `before`: the attributes that it had, but for the journal.
+// `descriptor` may be O_PATH, for all three.
+OSErr giveMetadataOfPlace(const Object &object, int descriptor, const Attributes &before, const PlaceMetadata &metadata);
 
 // The journal takes `room` bytes more than it needs, so that what giveMetadataOfPlace writes later fits in.
 OSErr writeJournal(const Object &object, int descriptor, const ExchangeJournal &journal, std::size_t room);

@@ -83,9 +83,11 @@ Attributes readAttributes(const Object &object, bool ownIsWanted)
     const bool tooMany = size == -ERANGE;
     noteFailure(size, attributes);
     const std::span<const char> names(list, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    if (tooMany || listHolds(names, sharedAttributeName))
+    attributes.hasShared = tooMany || listHolds(names, sharedAttributeName);
+    attributes.hasOwn = tooMany || listHolds(names, ownAttributeName);
+    if (attributes.hasShared)
         readShared(object, attributes);
-    if ((ownIsWanted || !attributes.shared) && (tooMany || listHolds(names, ownAttributeName)))
+    if ((ownIsWanted || !attributes.shared) && attributes.hasOwn)
         readOwn(object, attributes);
     if (tooMany || listHolds(names, journalAttributeName))
         readJournal(object, attributes);

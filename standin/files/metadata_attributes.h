@@ -14,6 +14,7 @@ struct Attributes
     int failure = 0;   // the errno of what could not be read: it must not be written over
     std::optional<SharedAttribute> shared;
     std::optional<OwnRecord> own;
+    bool hasShared = false, hasOwn = false;   // the object itself has such an attribute, whatever it says
 
     // An exchange of this file was cut off. Where the file has come to its new place, the attributes above are those that the place has.
     std::optional<ExchangeJournal> journal;

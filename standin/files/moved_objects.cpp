@@ -71,9 +71,14 @@ void noteMoved(const Object &object, UInt32 newParentID, std::string_view newNam
     const std::lock_guard lock(moved().mutex);
     auto &[mutex, byObject, places] = moved();
     if (const auto known = byObject.find(key); known != byObject.end())
-        places.erase(known->second);
+    {
+        known->second->second.parentID = newParentID;
+        known->second->second.name = newName;
+        places.splice(places.end(), places, known->second);
+        return;
+    }
     places.emplace_back(key, Place{newParentID, std::string(newName)});
-    byObject[key] = std::prev(places.end());
+    byObject.emplace(key, std::prev(places.end()));
     if (places.size() > MovedTable::most)
     {
         byObject.erase(places.front().first);

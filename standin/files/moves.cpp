@@ -3,7 +3,7 @@
 #include "standin/files/block_lookup.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
-#include "standin/files/file_ids.h"
+#include "standin/files/file_id_notes.h"
 #include "standin/files/moved_objects.h"
 #include "standin/files/names.h"
 #include "standin/files/reference_format.h"

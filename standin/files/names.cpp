@@ -254,7 +254,9 @@ OSErr storedNameFromPascal(ConstStr255Param name, std::string &diskName)
 
 std::string sidecarNameOf(std::string_view diskName)
 {
-    return "._" + std::string(diskName);
+    std::string name;
+    name.reserve(diskName.size() + 2);
+    return name.append("._").append(diskName);
 }
 
 bool hasRoomForSidecar(std::string_view diskName)

@@ -1,11 +1,14 @@
 #include "standin/files/open_levels.h"
 
+#include "standin/files/idle_folders.h"
+
+#include <algorithm>
 #include <array>
 #include <atomic>
-#include <bit>
 #include <fcntl.h>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace standin
 {
@@ -14,24 +17,23 @@ namespace
 {
 
 constexpr std::size_t mostHeldFolders = 20;
-constexpr std::int64_t longestIdleMilliseconds = 1000;
 constexpr unsigned indexBits = 24;   // of an iterator's number; the rest counts how many were opened
-constexpr std::size_t firstChunk = 64;
+constexpr std::size_t slotsInChunk = 256;
 constexpr std::uint32_t longestBatchLookedAt = 16;
 
 // A slot is used for one level after another. Both mutexes are held when a level comes or goes, so either is enough to look.
 struct Slot
 {
-    std::mutex mutex;
+    StepLock mutex;
     std::unique_ptr<Level> level;
     std::uint32_t nextFree = 0;   // its index and 1
 };
 
 struct LevelTable
 {
-    std::mutex mutex;
-    std::array<std::atomic<Slot *>, indexBits> chunks{};   // each twice as long as the one before; they stay
-    std::uint32_t firstFree = 0;                           // its index and 1
+    StepLock mutex;
+    std::array<std::atomic<Slot *>, (std::size_t{1} << indexBits) / slotsInChunk> chunks{};   // they stay
+    std::uint32_t firstFree = 0;                                                              // its index and 1
     std::uint32_t slotCount = 0;
     std::uintptr_t opened = 0;
     Level *newest = nullptr, *oldest = nullptr;   // of those that hold a descriptor
@@ -50,22 +52,11 @@ LevelTable &table()
 
 // --- slots ------------------------------------------------------------------------------------------------------------------------------
 
-unsigned chunkOf(std::size_t index)
-{
-    return static_cast<unsigned>(std::bit_width(index / firstChunk + 1)) - 1;
-}
-
-std::size_t chunkStart(unsigned chunk)
-{
-    return firstChunk * ((std::size_t{1} << chunk) - 1);
-}
-
 // Null for an index that never was.
 Slot *slotAt(std::size_t index)
 {
-    const unsigned chunk = chunkOf(index);
-    Slot *slots = chunk < table().chunks.size() ? table().chunks[chunk].load(std::memory_order_acquire) : nullptr;
-    return slots ? slots + (index - chunkStart(chunk)) : nullptr;
+    Slot *slots = table().chunks[index / slotsInChunk].load(std::memory_order_acquire);
+    return slots ? slots + index % slotsInChunk : nullptr;
 }
 
 Slot *slotOf(std::uintptr_t number)
@@ -84,9 +75,9 @@ std::uint32_t takeSlot()
         return free;
     }
     const std::uint32_t index = all.slotCount++;
-    const unsigned chunk = chunkOf(index);
-    if (!all.chunks[chunk].load(std::memory_order_relaxed))
-        all.chunks[chunk].store(new Slot[firstChunk << chunk], std::memory_order_release);
+    std::atomic<Slot *> &chunk = all.chunks[index / slotsInChunk];
+    if (!chunk.load(std::memory_order_relaxed))
+        chunk.store(new Slot[slotsInChunk], std::memory_order_release);
     return index;
 }
 
@@ -103,13 +94,19 @@ void unlinkHeld(Level &level)
     (level.newer ? level.newer->older : table().newest) = level.older;
     (level.older ? level.older->newer : table().oldest) = level.newer;
     level.newer = level.older = nullptr;
+    level.isHeld = false;
     --table().heldCount;
+}
+
+void noteUse(Level &level)
+{
+    level.lastUse = linux_calls::coarseMilliseconds();
 }
 
 // Gives what has to be closed, so that it is closed when the mutex is free.
 FolderHandle release(Level &level)
 {
-    if (level.folder)
+    if (level.isHeld)
         unlinkHeld(level);
     return std::move(level.folder);
 }
@@ -119,7 +116,9 @@ FolderHandle hold(Level &level, FolderHandle folder)
     LevelTable &all = table();
     FolderHandle former = release(level);
     level.folder = std::move(folder);
-    noteUse(level);
+    level.isHeld = true;
+    if (level.volume->isMountedDisk)
+        noteKeptFolder();
     level.older = all.newest;
     (all.newest ? all.newest->newer : all.oldest) = &level;
     all.newest = &level;
@@ -134,11 +133,6 @@ Level *findHeld(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete)
     return nullptr;
 }
 
-bool wasUsedLately(const Level &level)
-{
-    return linux_calls::coarseMilliseconds() - level.lastUse <= longestIdleMilliseconds;
-}
-
 // The descriptor of a level, or null if it was not used for too long to be believed.
 FolderHandle takeIfUsedLately(Level &level)
 {
@@ -151,33 +145,32 @@ FolderHandle takeIfUsedLately(Level &level)
 
 // --- the way up -------------------------------------------------------------------------------------------------------------------------
 
-// What the level below did was in the folder above, too. True if that has no descriptor any more and should get one.
+// What the level below did was in the folder above, too. True if that has no descriptor any more and should get one. With the table's mutex held.
 bool noteUseAbove(const Level &below, Identity &identity)
 {
-    const std::lock_guard lock(table().mutex);
-    Level *above = levelIn(slotOf(below.above), below.above);
+    Level *above = below.above != 0 ? levelIn(slotOf(below.above), below.above) : nullptr;
     if (!above)
         return false;
-    if (wasUsedLately(below))
-        noteUse(*above);
+    above->lastUse = std::max(above->lastUse.load(), below.lastUse.load());
     identity = above->identity;
     return !above->folder;
 }
 
-void giveBackAbove(const Level &below, const FolderHandle &folderBelow)
+// The folder above, by the way up; `identity` is what must be there.
+void giveBackAbove(const Level &below, const FolderHandle &folderBelow, const Identity &identity)
 {
-    Identity identity;
     ObjectStatus status;
-    if (below.above == 0 || !noteUseAbove(below, identity) || !folderBelow)
-        return;
     auto up = std::make_shared<const Descriptor>(linux_calls::openAt(folderBelow->number(), "..", O_PATH | O_DIRECTORY));
     if (!up->isOpen() || linux_calls::statusOf(up->number(), status) < 0 || status.mount != below.volume->rootStatus.mount ||
         !sameObject(identityOf(*below.volume, status), identity))
         return;   // moved away meanwhile: the level will look for its folder itself
     FolderHandle former;
     const std::lock_guard lock(table().mutex);
-    if (Level *above = levelIn(slotOf(below.above), below.above); above && !above->folder)
-        former = hold(*above, std::move(up));
+    Level *above = levelIn(slotOf(below.above), below.above);
+    if (!above || above->folder)
+        return;
+    noteUse(*above);
+    former = hold(*above, std::move(up));
 }
 
 }   // namespace
@@ -219,6 +212,8 @@ bool closeLevel(FSIterator iterator)
     const auto number = reinterpret_cast<std::uintptr_t>(iterator);
     std::unique_ptr<Level> closed;
     FolderHandle folder;
+    Identity identityAbove;
+    bool aboveLacksFolder;
     Slot *slot = slotOf(number);
     if (!slot)
         return false;
@@ -230,9 +225,11 @@ bool closeLevel(FSIterator iterator)
         folder = release(*slot->level);
         closed = std::move(slot->level);
         table().deletingCount -= closed->deletes;
+        aboveLacksFolder = noteUseAbove(*closed, identityAbove);
         slot->nextFree = std::exchange(table().firstFree, static_cast<std::uint32_t>(number & ((std::uintptr_t{1} << indexBits) - 1)) + 1);
     }
-    giveBackAbove(*closed, folder);
+    if (aboveLacksFolder && folder)
+        giveBackAbove(*closed, folder, identityAbove);
     return true;
 }
 
@@ -247,7 +244,7 @@ LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDe
         if (!level)
             return {};
         number = level->number;
-        folder = wasUsedLately(*level) ? level->folder : nullptr;
+        folder = takeIfUsedLately(*level);
     }
     return findLevel(reinterpret_cast<FSIterator>(number));
 }
@@ -257,11 +254,6 @@ FolderHandle folderOfLevel(FSVolumeRefNum volume, UInt32 folderID)
     const std::lock_guard lock(table().mutex);
     Level *level = findHeld(volume, folderID, false);
     return level ? takeIfUsedLately(*level) : nullptr;
-}
-
-void noteUse(Level &level)
-{
-    level.lastUse = linux_calls::coarseMilliseconds();
 }
 
 OSErr openFolderOf(Level &level, FolderHandle &folder)
@@ -275,8 +267,25 @@ OSErr openFolderOf(Level &level, FolderHandle &folder)
         return result;
     FolderHandle former;
     const std::lock_guard lock(table().mutex);
+    noteUse(level);
     former = hold(level, folder);
     return noErr;
+}
+
+std::size_t closeIdleLevels(std::int64_t usedBefore)
+{
+    std::vector<FolderHandle> closed;   // after the mutex is free
+    std::size_t left = 0;
+    const std::lock_guard lock(table().mutex);
+    for (Level *level = table().newest; level; level = level->older)
+    {
+        const bool isOpen = level->folder && level->volume->isMountedDisk;
+        const bool isIdle = isOpen && level->lastUse < usedBefore;
+        left += isOpen && !isIdle;
+        if (isIdle)
+            closed.push_back(std::move(level->folder));
+    }
+    return left;
 }
 
 bool wasHandedOut(const Level &level, const ReferenceFields &fields, ListedEntry &entry)

@@ -12,6 +12,7 @@
 #include "standin/files/listings.h"
 #include "standin/files/reference_format.h"
 #include "standin/files/references.h"
+#include "standin/files/step_lock.h"
 
 #include <atomic>
 #include <memory>
@@ -41,6 +42,7 @@ struct Level
     // The table's own.
     std::uintptr_t number = 0, above = 0;   // above: the level that this one was reached through, or 0
     FolderHandle folder;
+    bool isHeld = false;   // among those that may have a descriptor
     std::atomic<std::int64_t> lastUse{0};
     Level *newer = nullptr, *older = nullptr;
 };
@@ -48,7 +50,7 @@ struct Level
 // An open level while somebody makes a step on it; nothing where there is none.
 struct LockedLevel
 {
-    std::unique_lock<std::mutex> lock;
+    std::unique_lock<StepLock> lock;
     Level *level = nullptr;
 
     explicit operator bool() const { return level != nullptr; }
@@ -56,21 +58,24 @@ struct LockedLevel
     Level *operator->() const { return level; }
 };
 
-// Opens a level; `folder` is its descriptor, or null for a mount point.
+// Opens a level; `folder` is its descriptor, or null for a mount point. When that was used last is said already.
 FSIterator openLevel(std::unique_ptr<Level> level, FolderHandle folder);
 LockedLevel findLevel(FSIterator iterator);
 bool closeLevel(FSIterator iterator);
 
 // The level, if there is one with an open descriptor, that reads a folder. `mustDelete`: only an iterator that was opened for deleting.
-// `folder` becomes its descriptor if that was used within the last second, and whoever does use it says so; else openFolderOf has to be asked.
+// `folder` becomes its descriptor if that was used within the last second, and that counts as a use; else openFolderOf has to be asked.
 LockedLevel findLevelReading(FSVolumeRefNum volume, UInt32 folderID, bool mustDelete, FolderHandle &folder);
-void noteUse(Level &level);
 
 // The descriptor of a folder that some level reads and used within the last second, or null.
 FolderHandle folderOfLevel(FSVolumeRefNum volume, UInt32 folderID);
 
 // The descriptor of a level's folder, found again if need be. Result: noErr or that of openFolder.
 OSErr openFolderOf(Level &level, FolderHandle &folder);
+
+// Closes the folders of levels on mounted disks that nobody has used since a moment of the coarse clock: they are found again. The result is how many stay
+// open there.
+std::size_t closeIdleLevels(std::int64_t usedBefore);
 
 // Whether the last step handed an object out that these fields name.
 bool wasHandedOut(const Level &level, const ReferenceFields &fields, ListedEntry &entry);

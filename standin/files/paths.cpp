@@ -60,7 +60,7 @@ OSErr stepUp(Object &current, Components &rest)
         return findFolder(here.volume, here.parentID, current);
     if (here.volume == startupVolume() || startupIsDirectory())
         return noErr;
-    const std::string &path = here.volume->path;
+    const std::string path = here.volume->root.path();
     prepend(path.substr(0, path.rfind('/')), rest);
     return startAtRoot(rest, current);
 }
@@ -127,7 +127,7 @@ std::string prefixOf(const Volume &volume)
     const VolumeHandle startup = startupVolume();
     if (startup && startup->number == volume.number)
         return "";
-    return startupIsDirectory() ? '/' + std::string(volumesFolder) + '/' + volume.name : volume.path;
+    return startupIsDirectory() ? '/' + std::string(volumesFolder) + '/' + volume.name : volume.root.path();
 }
 
 }   // namespace

@@ -39,7 +39,7 @@ std::uint64_t longNameHash(std::string_view diskName);
 // Packs the fields; `name` is stored or hashed as its length asks, `fields.name…` are not looked at.
 FSRef writeReference(const ReferenceFields &fields, std::string_view name);
 
-// What all references have in common that the listing of one folder makes.
+// What all references have in common that are made in a walk of one folder.
 struct ListedFolder
 {
     FSVolumeRefNum volume = 0;
@@ -47,7 +47,9 @@ struct ListedFolder
     UInt32 id = 0;
     Birth moment = 0;   // of the listing; 0: the disk has no births
 };
-void writeListedReference(const ListedFolder &folder, std::uint64_t inode, UInt16 exchanges, std::string_view name, FSRef &reference);
+// The object lies on the folder's device. `birth` is 0 for one whose status was not asked for.
+void writeListedReference(const ListedFolder &folder, std::uint64_t inode, Birth birth, UInt16 exchanges, std::string_view name,
+                          FSRef &reference);
 
 // False, with `fields` untouched, for bytes that this process did not make.
 bool readReference(const FSRef &reference, ReferenceFields &fields);

@@ -137,7 +137,10 @@ std::string parentPath(const std::string &path)
 bool findByInode(const ReferenceFields &fields, Object &object)
 {
     const Volume &volume = *object.volume;
-    const Descriptor opened(linux_calls::openByInode(volume.root->number(), fields.inode));
+    FolderHandle root;
+    if (volume.root.open(Keeping::open, root) != noErr)
+        return false;
+    const Descriptor opened(linux_calls::openByInode(root->number(), fields.inode));
     ObjectStatus status;
     if (!opened.isOpen() || linux_calls::statusOf(opened.number(), status) < 0 ||
         !isMeantUnderAnotherName(fields, identityOf(volume, status)) || (!status.isFolder() && status.links != 1))
@@ -153,21 +156,29 @@ bool findByInode(const ReferenceFields &fields, Object &object)
     return statusNamed(object) == noErr && isMeantUnderAnotherName(fields, object.identity());
 }
 
-OSErr find(const FSRef *reference, Object &object, Anchoring anchoring)
+// Whether an object's folder, opened a moment ago, is the one that a reference names.
+bool isFolderOf(const Object &object, const ReferenceFields &fields)
+{
+    return object.volume && object.folder && object.volume->number == fields.volume && object.parentID == fields.parentID;
+}
+
+OSErr find(const FSRef *reference, Object &object, Anchoring anchoring, bool folderMayBeOpen = false)
 {
     ReferenceFields fields;
     if (!reference)
         return paramErr;
     if (!readReference(*reference, fields))
         return errFSBadFSRef;
-    object.volume = findVolume(fields.volume);
+    const bool isOpen = folderMayBeOpen && isFolderOf(object, fields);
+    if (!isOpen)
+        object.volume = findVolume(fields.volume);
     if (!object.volume)
         return nsvErr;
     if (fields.parentID == fsRtParID)
         return findRoot(object.volume, object);
     followExchanges(fields);
     object.parentID = fields.parentID;
-    const OSErr opened = openFolder(*object.volume, fields.parentID, object.folder, anchoring);
+    const OSErr opened = isOpen ? static_cast<OSErr>(noErr) : openFolder(*object.volume, fields.parentID, object.folder, anchoring);
     if (opened == noErr && findUnderOwnName(fields, object))
         return noErr;
     const PlacesHeld noChange;
@@ -203,6 +214,11 @@ OSErr findObject(const FSRef *reference, Object &object)
     return find(reference, object, Anchoring::recent);
 }
 
+OSErr findObjectInOpenFolder(const FSRef *reference, Object &object)
+{
+    return find(reference, object, Anchoring::recent, true);
+}
+
 OSErr findObjectAnew(const FSRef *reference, Object &object)
 {
     return find(reference, object, Anchoring::anew);
@@ -228,7 +244,10 @@ OSErr findFirstNamed(const VolumeHandle &volume, UInt32 parentID, const std::vec
 
 OSErr findRoot(const VolumeHandle &volume, Object &object)
 {
-    object = withPlace(volume, fsRtParID, volume->root, ".");
+    FolderHandle root;
+    if (OSErr result = volume->root.open(Keeping::closed, root))
+        return result;
+    object = withPlace(volume, fsRtParID, std::move(root), ".");
     return statusNamed(object);
 }
 

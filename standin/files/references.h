@@ -38,6 +38,9 @@ struct Object
 // or by its inode number where the process may. Result: noErr; paramErr for null; errFSBadFSRef for bytes that are no reference; nsvErr; fnfErr; dirNFErr.
 OSErr findObject(const FSRef *reference, Object &object);
 
+// The same for an object whose volume and folder the caller opened just now: they are not opened once more if the reference names them.
+OSErr findObjectInOpenFolder(const FSRef *reference, Object &object);
+
 // The same, but the folder must be found from the volume's root anew: before a deletion.
 OSErr findObjectAnew(const FSRef *reference, Object &object);
 

@@ -138,7 +138,6 @@ bool removeHandedOut(const FSRef *reference, OSErr &result)
     const LockedLevel level = findLevelReading(fields.volume, fields.parentID, true, folder);
     if (!level || !wasHandedOut(*level, fields, entry) || (!folder && openFolderOf(*level, folder) != noErr))
         return false;
-    noteUse(*level);
     bool isOther = false;
     if (mayGoAtOnce(*level, entry))
     {

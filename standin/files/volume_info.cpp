@@ -88,13 +88,13 @@ void clearUnknown(FSVolumeInfoBitmap which, FSVolumeInfo &info)
     }
 }
 
-OSErr getInfo(const Volume &volume, FSVolumeInfoBitmap which, FSVolumeInfo &info)
+OSErr getInfo(const Volume &volume, const Descriptor &opened, FSVolumeInfoBitmap which, FSVolumeInfo &info)
 {
     struct statvfs disk;
     ObjectStatus root;
-    if (const int failure = linux_calls::diskStatistics(volume.root->number(), disk))
+    if (const int failure = linux_calls::diskStatistics(opened.number(), disk))
         return resultFromErrno(-failure);
-    if (const int failure = linux_calls::statusOf(volume.root->number(), root))
+    if (const int failure = linux_calls::statusOf(opened.number(), root))
         return resultFromErrno(-failure);
     fillRoom(disk, which, info);
     fillNature(volume, disk, root, which, info);
@@ -102,20 +102,27 @@ OSErr getInfo(const Volume &volume, FSVolumeInfoBitmap which, FSVolumeInfo &info
     return noErr;
 }
 
+OSErr volumeOfNumber(FSVolumeRefNum number, VolumeHandle &volume, RootHandle &root)
+{
+    volume = findVolume(number);
+    return volume ? volume->root.open(Keeping::open, root) : static_cast<OSErr>(nsvErr);
+}
+
 }   // namespace
 
 OSErr FSGetVolumeInfo(FSVolumeRefNum number, ItemCount index, FSVolumeRefNum *actual, FSVolumeInfoBitmap which, FSVolumeInfo *info,
                       HFSUniStr255 *name, FSRef *rootReference)
 {
+    VolumeHandle volume;
+    RootHandle opened;   // so that the disk stays there until all is told
     Object root;
     if (which & ~everyVolumeBit)
         return errFSBadInfoBitmap;
     if (which != kFSVolInfoNone && !info)
         return errFSMissingCatInfo;
-    const VolumeHandle volume = index == 0 ? findVolume(number) : volumeAtIndex(index);
-    if (!volume)
-        return nsvErr;
-    if (OSErr result = which != kFSVolInfoNone ? getInfo(*volume, which, *info) : static_cast<OSErr>(noErr))
+    if (OSErr result = index == 0 ? volumeOfNumber(number, volume, opened) : volumeAtIndex(index, volume, opened))
+        return result;
+    if (OSErr result = which != kFSVolInfoNone ? getInfo(*volume, *opened, which, *info) : static_cast<OSErr>(noErr))
         return result;
     if (rootReference)
     {

@@ -1,18 +1,16 @@
 #include "standin/files/volumes.h"
 
-#include "standin/files/attribute_format.h"
 #include "standin/files/default_directory.h"
 #include "standin/files/directories.h"
-#include "standin/files/errors.h"
 #include "standin/files/forks.h"
-#include "standin/files/names.h"
+#include "standin/files/mounted_disks.h"
 #include "standin/files/nodes.h"
+#include "standin/files/volume_opening.h"
+#include "standin/files/volume_table.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
-#include <linux/magic.h>
+#include <limits>
 #include <mutex>
 #include <sys/statvfs.h>
 
@@ -22,9 +20,7 @@ namespace standin
 namespace
 {
 
-constexpr FSVolumeRefNum firstVolumeNumber = -100;
-constexpr std::size_t longestVolumeName = 27;
-constexpr const char *nameOfSlash = "Linux";
+constexpr FSVolumeRefNum firstVolumeNumber = -100, lastVolumeNumber = -32768;
 
 struct VolumeTable
 {
@@ -36,69 +32,36 @@ struct VolumeTable
     std::vector<std::uint64_t> devices;
 };
 
+// Never destroyed: a thread may still look after idle folders when the process ends.
 VolumeTable &table()
 {
-    static VolumeTable volumes;
+    static VolumeTable &volumes = *new VolumeTable;
     return volumes;
-}
-
-// Inode numbers and births change on overlay with the first write, and are made up or missing on network and FUSE disks.
-bool keepsInodes(int root)
-{
-    constexpr std::int64_t fuse = 0x65735546, smb2 = 0xFE534D42, cifs = 0xFF534D42, plan9 = 0x01021997, ceph = 0x00C36400, afs = 0x5346414F;
-    static constexpr std::int64_t unstable[] = {
-        OVERLAYFS_SUPER_MAGIC, NFS_SUPER_MAGIC, SMB_SUPER_MAGIC, fuse, smb2, cifs, plan9, ceph, afs};
-    return std::find(std::begin(unstable), std::end(unstable), linux_calls::diskKind(root)) == std::end(unstable);
-}
-
-bool hasTrueListings(int root)
-{
-    constexpr std::int64_t f2fs = 0xF2F52010;   // in older headers it has no name
-    static constexpr std::int64_t trusted[] = {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, TMPFS_MAGIC, f2fs};
-    return std::find(std::begin(trusted), std::end(trusted), linux_calls::diskKind(root)) != std::end(trusted);
-}
-
-std::string lastComponent(const std::string &path)
-{
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
-std::string withoutSlashesAtEnd(std::string path)
-{
-    while (!path.empty() && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
-// Opens a directory as a volume; `volume` then lacks only its number and name.
-OSErr openVolume(const std::string &directory, const VolumeOptions &options, std::shared_ptr<Volume> &volume)
-{
-    Descriptor root(linux_calls::openAbsoluteFolder(directory.c_str()));
-    if (!root.isOpen())
-        return root.number() == -ENOTDIR ? errFSNotAFolder : dirNFErr;
-    auto made = std::make_shared<Volume>();
-    if (linux_calls::statusOf(root.number(), made->rootStatus) < 0)
-        return dirNFErr;
-    made->path = withoutSlashesAtEnd(linux_calls::pathOf(root.number()));
-    made->trustsListings = hasTrueListings(root.number());
-    made->hasStableInodes = keepsInodes(root.number());
-    made->comparesBirths = made->hasStableInodes && made->rootStatus.hasBirth;
-    made->hasAttributes = linux_calls::getAttribute(root.number(), ".", ownAttributeName, {}) != -EOPNOTSUPP;
-    made->options = options;
-    made->softwareLocked = options.locked;
-    made->root = std::make_shared<const Descriptor>(std::move(root));
-    volume = std::move(made);
-    return noErr;
 }
 
 // With the table's mutex held, all below.
 
-std::shared_ptr<Volume> volumeNamed(std::string_view name)
+template <typename Matches>
+std::shared_ptr<Volume> volumeWhere(Matches matches)
 {
     const auto &volumes = table().volumes;
-    const auto found = std::find_if(volumes.begin(), volumes.end(), [&](const auto &volume) { return volume->name == name; });
+    const auto found = std::find_if(volumes.begin(), volumes.end(), [&](const auto &volume) { return matches(*volume); });
     return found == volumes.end() ? nullptr : *found;
+}
+
+std::shared_ptr<Volume> volumeNamed(std::string_view name)
+{
+    return volumeWhere([&](const Volume &volume) { return volume.name == name; });
+}
+
+std::shared_ptr<Volume> withNumber(FSVolumeRefNum number)
+{
+    return volumeWhere([&](const Volume &volume) { return volume.number == number; });
+}
+
+std::shared_ptr<Volume> volumeRootedAt(const ObjectStatus &status)
+{
+    return volumeWhere([&](const Volume &volume) { return isSameRoot(volume.rootStatus, status); });
 }
 
 // At most 27 bytes, cut between characters, and not the name of another volume.
@@ -118,69 +81,47 @@ std::string freeVolumeName(std::string wanted)
     }
 }
 
-void add(std::shared_ptr<Volume> volume, bool asStartup)
+// A number comes again when all the others were used.
+FSVolumeRefNum takeNumber()
 {
-    VolumeTable &all = table();
-    volume->number = all.nextNumber--;
-    all.volumes.insert(asStartup ? all.volumes.begin() : all.volumes.end(), std::move(volume));
+    FSVolumeRefNum &next = table().nextNumber;
+    FSVolumeRefNum taken;
+    do
+    {
+        taken = next;
+        next = next == lastVolumeNumber ? firstVolumeNumber : static_cast<FSVolumeRefNum>(next - 1);
+    } while (withNumber(taken));
+    return taken;
 }
 
-bool takeOption(std::string_view word, VolumeOptions &options)
+void add(std::shared_ptr<Volume> volume, const std::string &name)
 {
-    if (word == "locked")
-        options.locked = true;
-    else if (word == "nocopyfile")
-        options.copyFileOffered = false;
-    else if (word == "nomoverename")
-        options.moveRenameOffered = false;
-    else if (word == "noexchange")
-        options.exchangeOffered = false;
-    else
-        return false;
-    return true;
-}
-
-// `DIR[,option…]`; a comma that no option follows belongs to the directory's name.
-std::string directoryAndOptions(std::string text, VolumeOptions &options)
-{
-    for (std::size_t comma; (comma = text.rfind(',')) != std::string::npos; text.resize(comma))
-        if (!takeOption(std::string_view(text).substr(comma + 1), options))
-            break;
-    return text;
+    volume->name = name;
+    volume->number = takeNumber();
+    table().volumes.push_back(std::move(volume));
 }
 
 void startFromEnvironment()
 {
-    const char *directory = std::getenv("ZERB_STARTUP_VOLUME");
-    VolumeOptions options;
     std::shared_ptr<Volume> volume;
-    const bool isDirectory = directory && *directory;
-    const std::string root = isDirectory ? directoryAndOptions(directory, options) : "/";
-    if (openVolume(root, options, volume) != noErr)
+    const WantedVolume wanted = wantedStartupVolume();
+    if (openVolume(wanted.directory, VolumeKind::startup, wanted.options, volume) != noErr)
     {
-        table().environmentProblem = "ZERB_STARTUP_VOLUME names \"" + root + "\", which is no folder that can be opened";
+        table().environmentProblem = "ZERB_STARTUP_VOLUME names \"" + wanted.directory + "\", which is no folder that can be opened";
         return;
     }
-    volume->isDirectoryVolume = isDirectory;
-    volume->name = freeVolumeName(volume->path.empty() ? nameOfSlash : lastComponent(volume->path));
-    add(std::move(volume), true);
+    volume->isDirectoryVolume = !wanted.entry.empty();
+    const std::string name = freeVolumeName(usualName(*volume));
+    add(std::move(volume), name);
 }
 
-void addFromEnvironment(const std::string &entry)
+void addFromEnvironment(const WantedVolume &wanted)
 {
-    const std::size_t equals = entry.find('=');
-    VolumeOptions options;
     std::shared_ptr<Volume> volume;
-    if (equals == std::string::npos || equals == 0 ||
-        openVolume(directoryAndOptions(entry.substr(equals + 1), options), options, volume) != noErr)
-    {
-        if (table().environmentProblem.empty())
-            table().environmentProblem = "ZERB_VOLUMES holds \"" + entry + "\", which is no NAME=DIR with a folder that can be opened";
-        return;
-    }
-    volume->isDirectoryVolume = true;
-    volume->name = freeVolumeName(entry.substr(0, equals));
-    add(std::move(volume), false);
+    if (!wanted.name.empty() && openVolume(wanted.directory, VolumeKind::directory, wanted.options, volume) == noErr)
+        add(std::move(volume), freeVolumeName(wanted.name));
+    else if (table().environmentProblem.empty())
+        table().environmentProblem = "ZERB_VOLUMES holds \"" + wanted.entry + "\", which is no NAME=DIR with a folder that can be opened";
 }
 
 void makeReady()
@@ -191,40 +132,58 @@ void makeReady()
     startFromEnvironment();
     if (table().volumes.empty())
         return;   // no other volume takes the startup volume's place
-    const char *rest = std::getenv("ZERB_VOLUMES");
-    std::string entries = rest ? rest : "";
-    for (std::size_t start = 0; start < entries.size();)
-    {
-        const std::size_t end = std::min(entries.find(';', start), entries.size());
-        if (end > start)
-            addFromEnvironment(entries.substr(start, end - start));
-        start = end + 1;
-    }
+    for (const WantedVolume &wanted : wantedFurtherVolumes())
+        addFromEnvironment(wanted);
 }
 
+// Takes the table's mutex, unlike those above.
 template <typename Matches>
 VolumeHandle findWhere(Matches matches)
 {
     const std::lock_guard lock(table().mutex);
     makeReady();
-    const auto &volumes = table().volumes;
-    const auto found = std::find_if(volumes.begin(), volumes.end(), [&](const auto &volume) { return matches(*volume); });
-    return found == volumes.end() ? nullptr : *found;
+    return volumeWhere(matches);
 }
 
-std::shared_ptr<Volume> volumeNumbered(FSVolumeRefNum number)
+void forgetWhatIsKnownOf(FSVolumeRefNum number)
 {
-    const auto &volumes = table().volumes;
-    const auto found = std::find_if(volumes.begin(), volumes.end(), [&](const auto &volume) { return volume->number == number; });
-    return found == volumes.end() ? nullptr : *found;
+    forgetFoldersOf(number);
+    forgetDirectoriesOf(number);
+}
+
+// A disk that is not where it was may have been moved. Null if it is gone.
+VolumeHandle ifStillThere(VolumeHandle volume, Keeping keeping)
+{
+    RootHandle root;
+    if (!volume || volume->root.open(keeping, root) != nsvErr)
+        return volume;
+    if (bringMountedDisksInLine() != noErr)
+        return volume;   // nobody can tell
+    return volume->root.open(keeping, root) != nsvErr ? volume : nullptr;
+}
+
+// A disk that is gone still has its name until that is noticed.
+void leaveNameOfGoneDisk(const std::string &name)
+{
+    const VolumeHandle other = findWhere([&](const Volume &volume) { return volume.name == name; });
+    if (other && other->root.checkIsThere() == nsvErr)
+        bringMountedDisksInLine();
 }
 
 }   // namespace
 
+Volume::Volume(std::string path, Descriptor opened, const ObjectStatus &status, VolumeKind volumeKind)
+    : root(std::move(path), std::move(opened), status, volumeKind == VolumeKind::mountedDisk), rootStatus(status),
+      isMountedDisk(volumeKind == VolumeKind::mountedDisk)
+{
+}
+
 bool Volume::hardwareLocked() const
 {
+    RootHandle opened;
     struct statvfs statistics;
-    return linux_calls::diskStatistics(root->number(), statistics) == 0 && (statistics.f_flag & ST_RDONLY) != 0;
+    return root.open(Keeping::open, opened) == noErr && linux_calls::diskStatistics(opened->number(), statistics) == 0 &&
+           (statistics.f_flag & ST_RDONLY) != 0;
 }
 
 OSErr Volume::checkChangeable() const
@@ -236,33 +195,28 @@ OSErr Volume::checkChangeable() const
 
 VolumeHandle findVolume(FSVolumeRefNum number)
 {
-    return number == 0 ? defaultVolume() : findWhere([&](const Volume &volume) { return volume.number == number; });
+    if (number == 0)
+        return defaultVolume();
+    return ifStillThere(volumeNumbered(number), Keeping::open);
 }
 
 VolumeHandle startupVolume()
 {
-    return volumeAtIndex(1);
-}
-
-VolumeHandle volumeAtIndex(ItemCount index)
-{
-    const std::lock_guard lock(table().mutex);
-    makeReady();
-    const auto &volumes = table().volumes;
-    return index >= 1 && index <= volumes.size() ? volumes[index - 1] : nullptr;
+    return findWhere([](const Volume &) { return true; });
 }
 
 VolumeHandle findVolumeNamed(std::string_view diskName)
 {
-    return findWhere([&](const Volume &volume) { return volume.name == diskName; });
+    const auto hasName = [&](const Volume &volume) { return volume.name == diskName; };
+    if (VolumeHandle known = ifStillThere(findWhere(hasName), Keeping::closed))
+        return known;
+    bringMountedDisksInLine();   // it may have come meanwhile; if nobody can tell, it is not found
+    return findWhere(hasName);
 }
 
 VolumeHandle volumeWithRoot(const ObjectStatus &status)
 {
-    return findWhere([&](const Volume &volume) {
-        return volume.rootStatus.device == status.device && volume.rootStatus.inode == status.inode &&
-               volume.rootStatus.mount == status.mount;
-    });
+    return findWhere([&](const Volume &volume) { return isSameRoot(volume.rootStatus, status); });
 }
 
 VolumeHandle volumeOfMountPoint(int folder, const char *name, const ObjectStatus &status)
@@ -271,12 +225,11 @@ VolumeHandle volumeOfMountPoint(int folder, const char *name, const ObjectStatus
         return known;
     const Descriptor root(linux_calls::openAt(folder, name, O_PATH | O_DIRECTORY));
     std::shared_ptr<Volume> volume;
-    if (!root.isOpen() || openVolume(linux_calls::pathOf(root.number()), {}, volume) != noErr)
+    if (!root.isOpen() || openVolume(linux_calls::pathOf(root.number()), VolumeKind::mountedDisk, {}, volume) != noErr ||
+        !isSameRoot(volume->rootStatus, status))
         return nullptr;
-    const std::lock_guard lock(table().mutex);
-    volume->name = freeVolumeName(lastComponent(volume->path));
-    add(volume, false);
-    return volume;
+    leaveNameOfGoneDisk(usualName(*volume));
+    return addMountedDisk(std::move(volume));
 }
 
 bool startupIsDirectory()
@@ -307,36 +260,82 @@ bool deviceOfNumber(UInt16 number, std::uint64_t &device)
     return true;
 }
 
+std::size_t closeIdleRoots(std::int64_t usedBefore)
+{
+    std::size_t left = 0;
+    for (const VolumeHandle &volume : allVolumes())
+        left += volume->root.closeIfIdle(usedBefore);
+    return left;
+}
+
+// --- the table, for the sources beside this one --------------------------------------------------------------------------------------------
+
+std::vector<VolumeHandle> allVolumes()
+{
+    const std::lock_guard lock(table().mutex);
+    makeReady();
+    return {table().volumes.begin(), table().volumes.end()};
+}
+
+VolumeHandle volumeNumbered(FSVolumeRefNum number)
+{
+    return findWhere([&](const Volume &volume) { return volume.number == number; });
+}
+
+VolumeHandle addMountedDisk(std::shared_ptr<Volume> disk)
+{
+    const std::lock_guard lock(table().mutex);
+    if (VolumeHandle known = volumeRootedAt(disk->rootStatus))
+        return known;
+    add(disk, freeVolumeName(usualName(*disk)));
+    return disk;
+}
+
+void removeMountedDisk(const VolumeHandle &disk)
+{
+    const std::lock_guard lock(table().mutex);
+    if (std::erase(table().volumes, disk) != 0)
+        forgetWhatIsKnownOf(disk->number);
+    disk->root.closeIfIdle(std::numeric_limits<std::int64_t>::max());   // an open iterator may hold the volume
+}
+
+OSErr addNamedVolume(std::shared_ptr<Volume> volume, const std::string &name)
+{
+    const std::lock_guard lock(table().mutex);
+    makeReady();
+    if (volumeNamed(name))
+        return dupFNErr;
+    add(std::move(volume), name);
+    return noErr;
+}
+
+// --- what a host may ask -------------------------------------------------------------------------------------------------------------------
+
 OSErr useStartupVolume(const std::string &directory, const VolumeOptions &options)
 {
     std::shared_ptr<Volume> volume;
-    if (OSErr result = openVolume(directory, options, volume))
+    if (OSErr result = openVolume(directory, VolumeKind::startup, options, volume))
         return result;
-    volume->isDirectoryVolume = !volume->path.empty();
+    volume->isDirectoryVolume = !volume->root.path().empty();
     forgetAllFolders();
     forgetAllDirectories();
     const std::lock_guard lock(table().mutex);
     table().isReady = true;
     table().volumes.clear();
-    volume->name = freeVolumeName(volume->path.empty() ? nameOfSlash : lastComponent(volume->path));
-    add(std::move(volume), true);
+    const std::string name = freeVolumeName(usualName(*volume));
+    add(std::move(volume), name);
     return noErr;
 }
 
 OSErr addDirectoryVolume(const std::string &name, const std::string &directory, const VolumeOptions &options, FSVolumeRefNum *number)
 {
-    if (name.empty() || name.size() > longestVolumeName || name.find_first_of(std::string_view(":/\0", 3)) != std::string::npos)
-        return bdNamErr;
     std::shared_ptr<Volume> volume;
-    if (OSErr result = openVolume(directory, options, volume))
+    if (!isVolumeName(name))
+        return bdNamErr;
+    if (OSErr result = openVolume(directory, VolumeKind::directory, options, volume))
         return result;
-    const std::lock_guard lock(table().mutex);
-    makeReady();
-    if (volumeNamed(name))
-        return dupFNErr;
-    volume->isDirectoryVolume = true;
-    volume->name = name;
-    add(volume, false);
+    if (OSErr result = addNamedVolume(volume, name))
+        return result;
     if (number)
         *number = volume->number;
     return noErr;
@@ -345,13 +344,12 @@ OSErr addDirectoryVolume(const std::string &name, const std::string &directory, 
 OSErr removeDirectoryVolume(FSVolumeRefNum number)
 {
     const std::lock_guard lock(table().mutex);
-    const auto volume = volumeNumbered(number);
+    const auto volume = withNumber(number);
     if (!volume || !volume->isDirectoryVolume || volume == table().volumes.front())
         return nsvErr;
     if (hasOpenForksOn(number))
         return fBsyErr;
-    forgetFoldersOf(number);
-    forgetDirectoriesOf(number);
+    forgetWhatIsKnownOf(number);
     std::erase(table().volumes, volume);
     return noErr;
 }
@@ -359,7 +357,7 @@ OSErr removeDirectoryVolume(FSVolumeRefNum number)
 OSErr setVolumeLock(FSVolumeRefNum number, bool locked)
 {
     const std::lock_guard lock(table().mutex);
-    const auto volume = volumeNumbered(number);
+    const auto volume = withNumber(number);
     if (!volume)
         return nsvErr;
     if (!volume->isDirectoryVolume)

@@ -1,8 +1,11 @@
-// The volumes: the startup volume, directories made volumes, and mounted disks met on the way.
+// The volumes: the startup volume, directories made volumes, and mounted disks.
+//
+// Mounted disks come and go while the process runs. One becomes a volume when a path first leads into it or when the volumes are listed, and is none any
+// more once it is found to be gone.
 #pragma once
 
 #include "platform/platform.h"
-#include "standin/files/linux_calls.h"
+#include "standin/files/volume_root.h"
 #include "standin/standin.h"
 
 #include <atomic>
@@ -14,14 +17,23 @@
 namespace standin
 {
 
+enum class VolumeKind
+{
+    startup,
+    directory,   // one that the host or the environment made a volume
+    mountedDisk,
+};
+
 struct Volume
 {
+    Volume(std::string path, Descriptor opened, const ObjectStatus &status, VolumeKind volumeKind);
+
     FSVolumeRefNum number = 0;
     std::string name;   // as on disk: ':' and '/' exchanged, see names.h
-    std::string path;   // of the root, absolute, without a '/' at its end; empty for `/`
-    std::shared_ptr<const Descriptor> root;
+    VolumeRoot root;
     ObjectStatus rootStatus;
-    bool isDirectoryVolume = false;
+    bool isMountedDisk;               // its descriptors are given up when they are idle: it may be unmounted
+    bool isDirectoryVolume = false;   // as are a startup volume that is a directory, and further ones
     VolumeOptions options;
     std::atomic<bool> softwareLocked{false};
     bool hasAttributes = true;      // extended ones, on what may have them
@@ -35,11 +47,15 @@ struct Volume
 };
 using VolumeHandle = std::shared_ptr<const Volume>;
 
-// A volume by its number; 0 is the default volume. Null if there is none.
+// A volume by its number; 0 is the default volume. Null if there is none. A mounted disk's root stays open for a while: work on it will follow.
 VolumeHandle findVolume(FSVolumeRefNum number);
 VolumeHandle startupVolume();
-VolumeHandle volumeAtIndex(ItemCount index);   // from 1
 VolumeHandle findVolumeNamed(std::string_view diskName);
+
+// The volume at an index from 1, the startup volume first, and its root, which is open as long as the handle is there. Who asks for one index after
+// another on one thread meets every volume that stays there meanwhile, and none twice.
+// Result: noErr; nsvErr beyond the last; the code of why nobody can tell what is mounted.
+OSErr volumeAtIndex(ItemCount index, VolumeHandle &volume, RootHandle &root);
 
 // The volume whose root is this very object, or null.
 VolumeHandle volumeWithRoot(const ObjectStatus &status);
@@ -53,5 +69,8 @@ bool startupIsDirectory();
 // A device as a small number, for references, and back. Devices are never forgotten.
 UInt16 numberOfDevice(std::uint64_t device);
 bool deviceOfNumber(UInt16 number, std::uint64_t &device);
+
+// Closes the roots of mounted disks that nobody has used since a moment of the coarse clock. The result is how many stay open.
+std::size_t closeIdleRoots(std::int64_t usedBefore);
 
 }   // namespace standin

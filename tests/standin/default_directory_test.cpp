@@ -118,6 +118,19 @@ TEST_P(DefaultDirectory, DoesNotMatterWhereAVolumeOrADirectoryIsNamed)
     EXPECT_TRUE(sameObject(found, refAt(folder() / "inner"))) << "a directory of the default volume";
 }
 
+TEST_P(DefaultDirectory, IsWhereACopyGoesThatNamesNoFolder)
+{
+    writeFile(folder() / "letter", "Dear Sir");
+    ASSERT_EQ(setDefault(refAt(folder() / "inner")), noErr);
+    Bytes letter = pascal("letter");
+    HParamBlockRec block{};
+    block.copyParam.ioVRefNum = infoOf(refAt(folder() / "letter")).volume;
+    block.copyParam.ioDirID = static_cast<SInt32>(nodeOf(refAt(folder().path())));
+    block.copyParam.ioNamePtr = letter.data();
+    ASSERT_EQ(PBHCopyFileSync(&block), noErr);
+    EXPECT_EQ(readFile(folder() / "inner/letter"), bytesOf("Dear Sir"));
+}
+
 TEST_P(DefaultDirectory, FollowsAFolderThatIsRenamedAndMoved)
 {
     FSRef inner = refAt(folder() / "inner"), found{};

@@ -150,6 +150,23 @@ TEST_P(Deletion, StopsAtAMountedDisk)
     ::umount(mounted.c_str());
 }
 
+// The same disk once more: neither device nor inode says that it is mounted.
+TEST_P(Deletion, LeavesAFolderAloneThatIsMountedInTheTreeASecondTime)
+{
+    makeTree(top(), {1, 2});
+    makeTree(folder() / "outside", {1, 2});
+    const std::string mounted = top() + "/folder0/again";
+    mkdir(mounted.c_str(), 0755);
+    if (::mount((folder() / "outside").c_str(), mounted.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "nothing can be mounted here";
+    EXPECT_EQ(deleteContents(refAt(top())), fBsyErr);
+    EXPECT_EQ(namesIn(folder() / "outside/folder0").size(), 2u);
+    EXPECT_EQ(namesIn(mounted), std::vector<std::string>{"folder0"});
+    ::umount(mounted.c_str());
+    EXPECT_EQ(deleteContents(refAt(top())), noErr);
+    EXPECT_EQ(namesIn(folder() / "outside/folder0").size(), 2u);
+}
+
 TEST_P(Deletion, OfTheSameObjectASecondTimeFindsNothing)
 {
     makeTree(top(), {0, 0});

@@ -99,7 +99,7 @@ void mountDisk(Disk &disk)
     case DiskKind::plain: return;
     case DiskKind::tmpfs: return mountAt(disk, "tmpfs", "tmpfs", "mode=755,size=64m");
     case DiskKind::ramfs: return mountAt(disk, "ramfs", "ramfs", "mode=755");
-    case DiskKind::ext4: return mountImage(disk, "ext4", 96, "mkfs.ext4 -q -F -I 256");
+    case DiskKind::ext4: return mountImage(disk, "ext4", 128, "mkfs.ext4 -q -F -I 256 -N 120000");   // room for large trees
     case DiskKind::ext4Small: return mountImage(disk, "ext4", 96, "mkfs.ext4 -q -F -I 128");
     case DiskKind::xfs: return mountImage(disk, "xfs", 320, "mkfs.xfs -q");
     case DiskKind::btrfs: return mountImage(disk, "btrfs", 160, "mkfs.btrfs -q");

@@ -2,6 +2,8 @@
 #include "tests/standin/file_id_calls.h"
 #include "tests/standin/processes.h"
 
+#include "standin/files/exchange_journal.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <set>
@@ -127,8 +129,6 @@ TEST_P(FileIDs, AreGoodInEveryProcess)
 
 TEST_P(FileIDs, AreGoodAfterMovesOfAnotherProcess)
 {
-    if (!disk().hasBirthTimes)
-        GTEST_SKIP() << "without births a folder may be taken for an older one that had its inode number";
     mkdir((folder() / "Archive").c_str(), 0755);
     const UInt32 id = makeID(refAt(letter())).id;
     playRole("movesFileWithID", {letter(), folder() / "Archive"}, sameState());
@@ -235,6 +235,42 @@ TEST_P(FileIDs, StayWithThePlaceWhenFilesAreExchanged)
     }
     EXPECT_EQ(makeID(letterRef).id, id);
     EXPECT_EQ(makeID(otherRef).result, noErr);
+}
+
+// As a process leaves a file that is killed in the middle of FSExchangeObjects: it has arrived, and its journal is still there.
+void leaveJournal(const std::string &folder, const std::string &from, const std::string &to)
+{
+    standin::ExchangeJournal journal;
+    journal.file = statxOf(folder + "/" + to).stx_ino;
+    journal.partner = statxOf(folder + "/" + from).stx_ino;
+    journal.from = {statxOf(folder).stx_ino, 0, from};
+    journal.to = {statxOf(folder).stx_ino, 0, to};
+    setAttribute(folder + "/" + to, standin::journalAttributeName, standin::buildJournal(journal));
+}
+
+TEST_P(FileIDs, StayWithThePlaceWhenAnExchangeWasCutOff)
+{
+    if (!disk().hasAttributes || !offersExchange(refAt(letter())))
+        GTEST_SKIP() << "the volume exchanges no files by itself";
+    writeFile(folder() / "Other");
+    const UInt32 first = makeID(refAt(letter())).id, second = makeID(refAt(folder() / "Other")).id;
+    for (const bool isFinishedBefore : {false, true})
+    {
+        moveByProgram(letter(), folder() / "aside");
+        moveByProgram(folder() / "Other", letter());
+        moveByProgram(folder() / "aside", folder() / "Other");
+        leaveJournal(folder().path(), "Letter", "Other");
+        leaveJournal(folder().path(), "Other", "Letter");
+        if (isFinishedBefore)
+        {
+            ASSERT_EQ(setType(refAt(folder() / "Other"), code("TEXT"), code("ttxt")), noErr);
+        }
+        EXPECT_EQ(pathOfID(second), folder() / "Other");
+        EXPECT_EQ(pathOfID(first), letter());
+        playRole("findsFileByID", {folder().path(), std::to_string(first), letter()}, sameState());
+        EXPECT_EQ(makeID(refAt(folder() / "Other")).id, second);
+        EXPECT_EQ(makeID(refAt(letter())).id, first);
+    }
 }
 
 TEST_P(FileIDs, OfTheSameFileBelongToItsVolume)

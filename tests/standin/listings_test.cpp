@@ -1,13 +1,10 @@
-// Iterators: what a folder shows, piece by piece, and what it keeps to itself.
-#include "tests/standin/test_volume.h"
+// Iterators: what a folder shows, piece by piece, and what it keeps to itself. What they make of changes is in listings_changes_test.cpp.
+#include "tests/standin/listings.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <fcntl.h>
-#include <set>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace
@@ -15,65 +12,7 @@ namespace
 
 using namespace support;
 
-// An iterator that is closed with the object.
-class OpenIterator
-{
-public:
-    explicit OpenIterator(const FSRef &folder, FSIteratorFlags flags = kFSIterateFlat)
-    {
-        EXPECT_EQ(FSOpenIterator(&folder, flags, &iterator_), noErr);
-    }
-    ~OpenIterator() { EXPECT_EQ(FSCloseIterator(iterator_), noErr); }
-    OpenIterator(const OpenIterator &) = delete;
-    OpenIterator &operator=(const OpenIterator &) = delete;
-    operator FSIterator() const { return iterator_; }
-
-private:
-    FSIterator iterator_ = nullptr;
-};
-
-class Listings : public DiskTest
-{
-protected:
-    FSRef folderRef() { return refAt(folder().path()); }
-    void makeFiles(int count)
-    {
-        for (int number = 0; number < count; ++number)
-            writeFile(folder() / ("file" + std::to_string(number)), std::string(static_cast<std::size_t>(number), 'x'));
-    }
-    std::vector<std::string> listed();
-};
-
-std::string plain(const HFSUniStr255 &name)
-{
-    return std::string(name.unicode, name.unicode + name.length);
-}
-
-// Every name, sorted; each must come once.
-std::vector<std::string> namesFrom(FSIterator iterator, ItemCount atOnce)
-{
-    std::vector<std::string> list;
-    std::vector<HFSUniStr255> names(atOnce);
-    for (OSErr result = noErr; result == noErr;)
-    {
-        ItemCount count = 0;
-        result = FSGetCatalogInfoBulk(iterator, atOnce, &count, nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, names.data());
-        EXPECT_TRUE(result == noErr || result == errFSNoMoreItems) << result;
-        EXPECT_TRUE(result == errFSNoMoreItems || count == atOnce) << count;
-        for (ItemCount i = 0; i < count; ++i)
-            list.push_back(plain(names[i]));
-    }
-    std::sort(list.begin(), list.end());
-    EXPECT_EQ(std::set<std::string>(list.begin(), list.end()).size(), list.size());
-    return list;
-}
-
-std::vector<std::string> Listings::listed()
-{
-    return namesFrom(OpenIterator(folderRef()), 5);
-}
-
-using Names = std::vector<std::string>;
+using Listings = ListingsTest;
 
 TEST_P(Listings, AnEmptyFolderEndsAtOnce)
 {
@@ -216,107 +155,6 @@ TEST_P(Listings, OutputsBehindTheLastItemAreUntouched)
     };
     EXPECT_TRUE(isUntouched(&infos[2], sizeof infos[2]) && isUntouched(&refs[2], sizeof refs[2]));
     EXPECT_TRUE(isUntouched(&specs[2], sizeof specs[2]) && isUntouched(&names[2], sizeof names[2]));
-}
-
-// A date long ago, so that a change of the folder shows on disks that know whole seconds alone.
-void makeFolderOld(const std::string &path)
-{
-    timespec times[2] = {{1000000000, 0}, {1000000000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-}
-
-bool saysChanged(FSIterator iterator)
-{
-    Boolean changed = 99;
-    ItemCount count = 0;
-    OSErr result = FSGetCatalogInfoBulk(iterator, 1, &count, &changed, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
-    EXPECT_TRUE(result == noErr || result == errFSNoMoreItems);
-    EXPECT_TRUE(changed == 0 || changed == 1) << +changed;
-    return changed != 0;
-}
-
-// The disk is not asked with each object, but it is with the last one.
-TEST_P(Listings, AChangeOfTheFolderIsToldWithTheLastObjectAtTheLatest)
-{
-    makeFiles(5);
-    makeFolderOld(folder().path());
-    OpenIterator iterator(folderRef());
-    EXPECT_FALSE(saysChanged(iterator));
-    writeFile(folder() / "file0", "other bytes of a file are no change of its folder");
-    EXPECT_FALSE(saysChanged(iterator));
-    unlink((folder() / "file1").c_str());
-    saysChanged(iterator);
-    saysChanged(iterator);
-    EXPECT_TRUE(saysChanged(iterator));
-    EXPECT_TRUE(saysChanged(iterator)) << "and stays told";
-    EXPECT_FALSE(saysChanged(OpenIterator(folderRef()))) << "a new iterator knows the folder as it is now";
-}
-
-TEST_P(Listings, AnUnchangedFolderIsNeverSaidToHaveChanged)
-{
-    makeFiles(9);
-    OpenIterator iterator(folderRef());
-    for (int step = 0; step < 11; ++step)
-        EXPECT_FALSE(saysChanged(iterator)) << step;
-}
-
-TEST_P(Listings, AChangeIsToldBeforeTheEndIfSomeTimeHasPassed)
-{
-    makeFiles(20);
-    makeFolderOld(folder().path());
-    OpenIterator iterator(folderRef());
-    unlink((folder() / "file1").c_str());
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    bool told = false;
-    for (int step = 0; step < 8; ++step)
-        told |= saysChanged(iterator);
-    EXPECT_TRUE(told);
-}
-
-// Unless the listing itself has all that is asked for: then nobody looks whether an object is still there.
-TEST_P(Listings, WhatIsMadeLaterIsNotSeenAndWhatIsGoneIsPassedOver)
-{
-    makeFiles(4);
-    OpenIterator iterator(folderRef());
-    writeFile(folder() / "later");
-    unlink((folder() / "file2").c_str());
-    FSCatalogInfo infos[6]{};
-    HFSUniStr255 names[6]{};
-    ItemCount count = 0;
-    EXPECT_EQ(FSGetCatalogInfoBulk(iterator, 6, &count, nullptr, kFSCatInfoContentMod, infos, nullptr, nullptr, names), errFSNoMoreItems);
-    Names list;
-    for (ItemCount i = 0; i < count; ++i)
-        list.push_back(plain(names[i]));
-    std::sort(list.begin(), list.end());
-    EXPECT_EQ(list, (Names{"file0", "file1", "file3"}));
-}
-
-TEST_P(Listings, ItemsCanBeDeletedAsTheyCome)
-{
-    makeFiles(50);
-    mkdir((folder() / "folder").c_str(), 0755);
-    OpenIterator iterator(folderRef(), kFSIterateDelete);
-    int deleted = 0;
-    for (OSErr result = noErr; result == noErr;)
-    {
-        FSRef refs[7];
-        ItemCount count = 0;
-        result = FSGetCatalogInfoBulk(iterator, 7, &count, nullptr, kFSCatInfoNone, nullptr, refs, nullptr, nullptr);
-        for (ItemCount i = 0; i < count; ++i, ++deleted)
-            EXPECT_EQ(FSDeleteObject(&refs[i]), noErr);
-    }
-    EXPECT_EQ(deleted, 51);
-    EXPECT_EQ(namesIn(folder().path()), Names{});
-}
-
-TEST_P(Listings, TwoIteratorsOfOneFolderDoNotDisturbEachOther)
-{
-    makeFiles(6);
-    OpenIterator first(folderRef());
-    EXPECT_FALSE(saysChanged(first));   // takes one
-    OpenIterator second(folderRef());
-    EXPECT_EQ(namesFrom(second, 4).size(), 6u);
-    EXPECT_EQ(namesFrom(first, 4).size(), 5u);
 }
 
 // --- what is shown ----------------------------------------------------------------------------------------------------------------------------

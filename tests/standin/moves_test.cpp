@@ -201,20 +201,6 @@ TEST_P(MoveCosts, OfAFileWithoutMetadata)
               8 + attributes + identity + first);
 }
 
-TEST_P(MoveCosts, OfExchanging)
-{
-    std::vector<FSRef> refs = makeFiles();
-    if (!offersExchange(refs[0]))
-        GTEST_SKIP() << "files are not exchanged on this disk";
-    const double each = callsFor("exchanging two files without metadata", [&](int i) {
-        return FSExchangeObjects(&refs[static_cast<std::size_t>(i)], &refs[static_cast<std::size_t>((i + 1) % fileCount)]);
-    });
-    // Both journals, the step, the metadata and the access date of both places, and what finds, locks and reads them first. A small disk's attributes may
-    // leave no room beside a journal, which is then made shorter.
-    const bool hasSmallBlocks = GetParam() == DiskKind::ext4 || GetParam() == DiskKind::ext4Small;
-    EXPECT_LE(each, hasSmallBlocks ? 42 : 32);
-}
-
 ON_EVERY_DISK(Moves);
 ON_EVERY_DISK(MoveCosts);
 

@@ -220,6 +220,26 @@ TEST_P(References, ANewObjectWithTheOldInodeUnderAnotherNameIsAnother)
     }
 }
 
+// What was inside a deleted folder is looked for in vain; that must not have the folder taken for a file that got its inode number.
+TEST_P(References, ADeletedFolderIsNoFileWithItsInode)
+{
+    mkdir((folder() / "inner").c_str(), 0755);
+    const auto number = statxOf(folder() / "inner").stx_ino;
+    FSRef child = fileRef("inner/file"), inner = refAt(folder() / "inner");
+    ASSERT_EQ(FSDeleteObject(&child), noErr);
+    ASSERT_EQ(FSDeleteObject(&inner), noErr);
+    bool isReused = false;
+    for (int i = 0; i < 300 && !isReused; ++i)
+    {
+        const std::string other = folder() / ("other" + std::to_string(i));
+        writeFile(other);
+        isReused = statxOf(other).stx_ino == number;
+    }
+    EXPECT_NE(checkRef(child), noErr);
+    EXPECT_EQ(checkRef(inner), fnfErr);
+    RecordProperty("isReused", isReused);
+}
+
 TEST_P(References, AFileSavedAnewIsAnother)
 {
     FSRef ref = fileRef("file", "old");

@@ -314,42 +314,6 @@ TEST(Volumes, TheEnvironmentNamesFurtherOnesAndTheirOptions)
           "ZERB_VOLUMES=Second=" + (folder / "two") + ",locked,nocopyfile,noexchange;Third One=" + (folder / "three") + ",nomoverename"}});
 }
 
-void expectEveryChange(const std::string &path, OSErr expected)
-{
-    FSRef root = refAt(path), ref = childOf(root, "file"), inner = childOf(root, "inner"), same = ref;
-    EXPECT_EQ(setType(ref, code("TEXT"), 0), expected);
-    EXPECT_EQ(setLock(ref, false), expected);
-    EXPECT_EQ(makeFile(root, "new"), expected);
-    EXPECT_EQ(makeFolder(root, "newer"), expected);
-    EXPECT_EQ(writeFork(ref, false, bytesOf("changed")), expected);
-    EXPECT_EQ(writeFork(ref, true, {1}), expected);
-    EXPECT_EQ(rename(ref, "renamed"), expected);
-    EXPECT_EQ(move(ref, inner), expected);
-    EXPECT_EQ(FSDeleteObject(&same), expected);
-}
-
-const Role livesWithALock("livesWithALockedVolume", [](const RoleArguments &arguments) {
-    standin::VolumeOptions options;
-    options.locked = true;
-    ASSERT_EQ(standin::useStartupVolume(arguments[0], options), noErr);
-    FSVolumeRefNum volume = volumeOf(refAt("/"));
-    std::string before = pictureOf(arguments[0]);
-    EXPECT_EQ(volumeInfo(volume).flags & kFSVolFlagSoftwareLockedMask, kFSVolFlagSoftwareLockedMask);
-    expectEveryChange("/", vLckdErr);
-    EXPECT_EQ(pictureOf(arguments[0]), before);
-    EXPECT_EQ(forkOf(refAt("/file"), false), bytesOf("data"));
-    ASSERT_EQ(standin::setVolumeLock(volume, false), noErr);
-    EXPECT_FALSE(volumeInfo(volume).flags & kFSVolFlagSoftwareLockedMask);
-    expectEveryChange("/", noErr);
-    EXPECT_EQ(standin::setVolumeLock(12345, true), nsvErr);
-});
-
-TEST(Volumes, ASoftwareLockRefusesChangesUntilItIsTakenAway)
-{
-    TemporaryFolder folder;
-    playRole("livesWithALockedVolume", {startupFolder(folder)});
-}
-
 const Role addsAndRemoves("addsAndRemovesVolumes", [](const RoleArguments &arguments) {
     ASSERT_EQ(standin::useStartupVolume(arguments[0]), noErr);
     FSVolumeRefNum volume = 0;

@@ -1,0 +1,107 @@
+#include "standin/files/idle_folders.h"
+
+#include "standin/files/change_lock.h"
+#include "standin/files/directories.h"
+#include "standin/files/linux_calls.h"
+#include "standin/files/open_levels.h"
+#include "standin/files/volumes.h"
+
+#include <atomic>
+#include <csignal>
+#include <mutex>
+#include <pthread.h>
+#include <system_error>
+#include <thread>
+#include <type_traits>
+#include <unistd.h>
+
+namespace standin
+{
+
+namespace
+{
+
+constexpr int pauseMilliseconds = 250;
+
+struct Keeper
+{
+    std::mutex mutex;
+    bool isRunning = false;
+    std::atomic<bool> wasNoted{false};   // since the last look
+    pid_t process = 0;                   // in which it runs: a child made by fork() has no such thread
+};
+
+// Never destroyed: the thread may still look when the process ends.
+constinit Keeper keeper;
+static_assert(std::is_trivially_destructible_v<Keeper>);
+
+// How many descriptors stay.
+std::size_t closeIdleFolders()
+{
+    const std::int64_t usedBefore = linux_calls::coarseMilliseconds() - longestIdleMilliseconds;
+    std::size_t left = closeIdleRoots(usedBefore);
+    left += closeIdleDirectories(usedBefore);
+    left += closeIdleLevels(usedBefore);
+    return left + forgetIdleLockDescriptors();
+}
+
+bool mayEnd(std::size_t left)
+{
+    const std::lock_guard lock(keeper.mutex);
+    keeper.isRunning = left != 0 || keeper.wasNoted;
+    return !keeper.isRunning;
+}
+
+void lookAgainAndAgain()
+{
+    std::size_t left = 0;
+    linux_calls::doNotCountOnThisThread();
+    do
+    {
+        linux_calls::sleepMilliseconds(pauseMilliseconds);
+        {
+            const std::lock_guard lock(keeper.mutex);
+            keeper.wasNoted = false;
+        }
+        left = closeIdleFolders();
+    } while (!mayEnd(left));
+}
+
+// The host's signals are for the host's own threads.
+bool startThread()
+{
+    sigset_t all, former;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    bool isStarted = true;
+    try
+    {
+        std::thread(lookAgainAndAgain).detach();
+    }
+    catch (const std::system_error &)
+    {
+        isStarted = false;   // the next folder that is kept tries again
+    }
+    ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
+    return isStarted;
+}
+
+}   // namespace
+
+// A walk says it for each folder, and mostly it was said already: then the thread will look once more anyway.
+void noteKeptFolder()
+{
+    if (keeper.wasNoted)
+        return;
+    static const int registered = ::pthread_atfork(nullptr, nullptr, [] { keeper.wasNoted = false; });
+    (void)registered;
+    const std::lock_guard lock(keeper.mutex);
+    const pid_t process = ::getpid();
+    keeper.wasNoted = true;
+    if (keeper.isRunning && keeper.process == process)
+        return;
+    keeper.process = process;
+    keeper.isRunning = startThread();
+}
+
+}   // namespace standin
