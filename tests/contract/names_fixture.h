@@ -20,12 +20,6 @@ inline std::string textOf(const HFSUniStr255 &name)
     return textOf(name.unicode, name.length);
 }
 
-inline Calls operator+(Calls first, const Calls &then)
-{
-    first.insert(first.end(), then.begin(), then.end());
-    return first;
-}
-
 // The mapping for a hint that is not 0xFFFF, or for what became of that.
 inline Calls mappingCalls(TextEncoding hint)
 {

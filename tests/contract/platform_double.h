@@ -11,8 +11,10 @@
 
 #include "tests/contract/double_access.h"
 #include "tests/contract/double_blocks.h"
+#include "tests/contract/double_core_foundation.h"
 #include "tests/contract/double_dates.h"
 #include "tests/contract/double_files.h"
+#include "tests/contract/double_folders.h"
 #include "tests/contract/double_forks.h"
 #include "tests/contract/double_handles.h"
 #include "tests/contract/double_iterators.h"
@@ -42,4 +44,6 @@ public:
     IteratorsDouble iterators;
     AccessDouble access;
     MountingDouble mounting;
+    FoldersDouble folders;
+    CoreFoundationDouble coreFoundation;
 };
