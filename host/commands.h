@@ -6,12 +6,16 @@
 namespace host
 {
 
+extern const Command accessCommand;
 extern const Command attrsCommand;
+extern const Command cdCommand;
 extern const Command copyCommand;
 extern const Command findCommand;
 extern const Command forksCommand;
+extern const Command idCommand;
 extern const Command infoCommand;
 extern const Command lsCommand;
+extern const Command mountCommand;
 extern const Command mvCommand;
 extern const Command nameCommand;
 extern const Command pathCommand;
@@ -22,5 +26,7 @@ extern const Command swapCommand;
 extern const Command textCommand;
 extern const Command touchCommand;
 extern const Command treeCommand;
+extern const Command volumesCommand;
+extern const Command whoCommand;
 
 }   // namespace host

@@ -2,6 +2,7 @@
 //
 // Exit status: 0 all done, 1 something failed, 2 wrong usage.
 #include "host/command.h"
+#include "host/default_directory.h"
 #include "host/text.h"
 #include "host/version.h"
 
@@ -32,6 +33,8 @@ std::string programHelp()
             "Environment:\n"
             "  ZERB_STARTUP_VOLUME  a folder that serves as the startup volume; paths begin in it and cannot leave it\n"
             "  ZERB_VOLUMES         folders that serve as further volumes: NAME=FOLDER;NAME=FOLDER...\n"
+            "  ZERB_DEFAULT_DIRECTORY\n"
+            "                       the default directory, as `zerb cd` hands it on\n"
             "  ZERB_PLUGIN          the plug-in to load, where it is not beside this program\n"
             "  NO_COLOR             if set and not empty, nothing is coloured\n";
     return text;
@@ -57,6 +60,7 @@ int work(const host::Command &command, const host::Action &action)
     if (const char *problem = standin::environmentProblem())
         throw std::runtime_error(host::printable(problem));
     host::Plugin plugin = host::loadPlugin();
+    host::takeDefaultDirectoryFromEnvironment(plugin);
     host::Report report(command.name);
     host::Invocation invocation{plugin, report};
     action(invocation);

@@ -94,6 +94,12 @@ std::string absolutePath(const std::string &path)
     return directory == "/" ? "/" + path : directory + "/" + path;
 }
 
+std::string linuxPathOf(const std::string &path)
+{
+    const std::filesystem::path volume = startupVolumeFolder();
+    return volume.empty() ? path : volume.string() + path;
+}
+
 OSStatus findObject(const std::string &path, Links links, FSRef &ref)
 {
     if (path.empty())

@@ -20,6 +20,9 @@ enum class Links
 // An empty path stays empty.
 std::string absolutePath(const std::string &path);
 
+// The same place in Linux's own tree, of a path from the startup volume's root.
+std::string linuxPathOf(const std::string &path);
+
 // The object at a path. Result: noErr, or what the file manager says. `ref` is written only on success.
 OSStatus findObject(const std::string &path, Links links, FSRef &ref);
 

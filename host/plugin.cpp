@@ -85,6 +85,30 @@ void takeTreeFunctions(void *library, Plugin &plugin)
     take(library, "FSExchangeObjectsCompat", plugin.FSExchangeObjectsCompat);
 }
 
+void takeVolumeFunctions(void *library, Plugin &plugin)
+{
+    take(library, "FSGetVolParms", plugin.FSGetVolParms);
+    take(library, "FSGetVRefNum", plugin.FSGetVRefNum);
+    take(library, "FSGetVInfo", plugin.FSGetVInfo);
+    take(library, "FSGetVolFileSystemID", plugin.FSGetVolFileSystemID);
+    take(library, "FSGetMountedVolumes", plugin.FSGetMountedVolumes);
+    take(library, "FSGetVolMountInfoSize", plugin.FSGetVolMountInfoSize);
+    take(library, "FSGetVolMountInfo", plugin.FSGetVolMountInfo);
+    take(library, "FSVolumeMount", plugin.FSVolumeMount);
+}
+
+void takeAccessFunctions(void *library, Plugin &plugin)
+{
+    take(library, "FSGetDirAccess", plugin.FSGetDirAccess);
+    take(library, "FSSetDirAccess", plugin.FSSetDirAccess);
+    take(library, "FSMapID", plugin.FSMapID);
+    take(library, "FSMapName", plugin.FSMapName);
+    take(library, "FSCreateFileIDRef", plugin.FSCreateFileIDRef);
+    take(library, "FSResolveFileIDRef", plugin.FSResolveFileIDRef);
+    take(library, "FSSetDefault", plugin.FSSetDefault);
+    take(library, "FSRestoreDefault", plugin.FSRestoreDefault);
+}
+
 void takeStringFunctions(void *library, Plugin &plugin)
 {
     takeTyped(library, "CopyCtoPstr", plugin.CopyCtoPstr);
@@ -120,6 +144,8 @@ Plugin takeFunctions(void *library)
     take(library, "FSCopyFileMgrAttributes", plugin.FSCopyFileMgrAttributes);
     takeNameAndForkFunctions(library, plugin);
     takeTreeFunctions(library, plugin);
+    takeVolumeFunctions(library, plugin);
+    takeAccessFunctions(library, plugin);
     takeStringFunctions(library, plugin);
     return plugin;
 }

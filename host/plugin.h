@@ -47,6 +47,22 @@ struct Plugin
     decltype(&::FSMoveRename) FSMoveRename;
     decltype(&::FSMoveRenameObjectUnicode) FSMoveRenameObjectUnicode;
     decltype(&::FSExchangeObjectsCompat) FSExchangeObjectsCompat;
+    decltype(&::FSGetVolParms) FSGetVolParms;
+    decltype(&::FSGetVRefNum) FSGetVRefNum;
+    decltype(&::FSGetVInfo) FSGetVInfo;
+    decltype(&::FSGetVolFileSystemID) FSGetVolFileSystemID;
+    decltype(&::FSGetMountedVolumes) FSGetMountedVolumes;
+    decltype(&::FSGetVolMountInfoSize) FSGetVolMountInfoSize;
+    decltype(&::FSGetVolMountInfo) FSGetVolMountInfo;
+    decltype(&::FSVolumeMount) FSVolumeMount;
+    decltype(&::FSGetDirAccess) FSGetDirAccess;
+    decltype(&::FSSetDirAccess) FSSetDirAccess;
+    decltype(&::FSMapID) FSMapID;
+    decltype(&::FSMapName) FSMapName;
+    decltype(&::FSCreateFileIDRef) FSCreateFileIDRef;
+    decltype(&::FSResolveFileIDRef) FSResolveFileIDRef;
+    decltype(&::FSSetDefault) FSSetDefault;
+    decltype(&::FSRestoreDefault) FSRestoreDefault;
 
     decltype(&::CopyCtoPstr) CopyCtoPstr;
     decltype(&::CopyPtoCstr) CopyPtoCstr;

@@ -118,13 +118,16 @@ private:
 class Search
 {
 public:
-    Search(const std::string &start, const FindCriteria &criteria, Output &output)
-        : criteria_(criteria), output_(output), way_(start), namesComeAlong_(criteria.name || !criteria.selectsFew())
+    Search(const std::string &start, const FindCriteria &criteria, Output &output, Report &report)
+        : criteria_(criteria), output_(output), report_(report), way_(start), namesComeAlong_(criteria.name || !criteria.selectsFew())
     {
     }
 
     OSErr run(const Plugin &plugin, const FSRef &folder, UInt32 levels)
     {
+        levels_ = levels;
+        if (!mayBeRead(folder))
+            return afpAccessDenied;
         auto look = [this](UInt32 level, const FSCatalogInfo &catalog, const FSRef &ref, const HFSUniStr255 *name) {
             visit(level, catalog, ref, name);
             return false;
@@ -146,12 +149,26 @@ private:
                 output_.object(way_.pathOf(level, *name), catalog);
         }
         if (isFolder(catalog))
-            way_.enter(level, ref, name ? &*name : nullptr);
+            enter(level, ref, name);
+    }
+
+    void enter(UInt32 level, const FSRef &folder, std::optional<std::string> &name)
+    {
+        way_.enter(level, folder, name ? &*name : nullptr);
+        if (level == levels_ || mayBeRead(folder))
+            return;
+        if (!name)
+            name = nameOfObject(folder);
+        const std::string path = way_.pathOf(level, name.value_or("?"));
+        report_.failure(path, afpAccessDenied);
+        output_.failure(path, afpAccessDenied);
     }
 
     const FindCriteria &criteria_;
     Output &output_;
+    Report &report_;
     Way way_;
+    UInt32 levels_ = 0;
     bool namesComeAlong_;
 };
 
@@ -163,7 +180,7 @@ void findAll(Invocation &invocation, const Options &options)
         FSRef folder;
         OSStatus result = findObject(path, options.links, folder);
         if (result == noErr)
-            result = Search(path, options.criteria, output).run(invocation.plugin, folder, options.levels);
+            result = Search(path, options.criteria, output, invocation.report).run(invocation.plugin, folder, options.levels);
         if (result == noErr)
             continue;
         invocation.report.failure(path, result);
@@ -202,7 +219,7 @@ const Command findCommand = {
     "Look for files and folders by what is known of them",
     "Shows the paths of all objects below each PATH that meet every criterion, as they are found; the PATH itself\n"
     "is not among them. Without a criterion that is all of them, hidden ones too. Symbolic links are not followed.\n"
-    "A folder that may not be read looks empty, and may hide what comes behind it in its own folder.\n",
+    "Of a folder that may not be read only that is said, and the search goes on.\n",
     "  zerb find --type TEXT --creator ttxt Projects\n"
     "  zerb find --locked -0 | xargs -0 zerb set --unlock --\n"
     "  zerb find --kind folder --iname 'old*' --older 2001-01-01\n"

@@ -1,6 +1,7 @@
 // zerb forks export, zerb forks import: forks to and from files of Linux.
 #include "host/commands/fork_bytes.h"
 
+#include "host/commands/output_file.h"
 #include "host/commands/temporary_objects.h"
 #include "host/text.h"
 
@@ -21,8 +22,6 @@ namespace host
 
 namespace
 {
-
-constexpr const char *standardStream = "-";
 
 struct Options
 {
@@ -46,50 +45,6 @@ void declareFiles(Arguments &arguments, Options &options, const char *optionName
 
 // ---------------------------------------------------------------------------------------------------------------------
 // export
-
-// A new file, which goes again unless all of it is written.
-class OutputFile
-{
-public:
-    OutputFile() = default;
-    OutputFile(const OutputFile &) = delete;
-    OutputFile &operator=(const OutputFile &) = delete;
-    ~OutputFile()
-    {
-        if (file_ == nullptr || file_ == stdout)
-            return;
-        std::fclose(file_);
-        unlink(name_.c_str());
-    }
-
-    bool open(const std::string &name)
-    {
-        name_ = name;
-        file_ = name == standardStream ? stdout : std::fopen(name.c_str(), "wbx");
-        return file_ != nullptr;
-    }
-
-    bool write(std::span<const char> bytes) { return std::fwrite(bytes.data(), 1, bytes.size(), file_) == bytes.size(); }
-
-    bool finish()
-    {
-        if (file_ == stdout)
-            return std::fflush(stdout) == 0;
-        bool isWritten = std::fclose(std::exchange(file_, nullptr)) == 0;
-        if (!isWritten)
-            unlink(name_.c_str());
-        return isWritten;
-    }
-
-private:
-    std::string name_;
-    std::FILE *file_ = nullptr;
-};
-
-std::string whyNoOutput(int error)
-{
-    return error == EEXIST ? "there is such a file already, and nothing is replaced" : std::strerror(error);
-}
 
 void exportFork(Invocation &invocation, const Options &options)
 {

@@ -4,6 +4,7 @@
 #include "host/catalog_json.h"
 #include "host/commands/text_bytes.h"
 #include "host/commands/text_parts.h"
+#include "host/commands/volume_argument.h"
 #include "host/text.h"
 
 #include "platform/files.h"
@@ -125,47 +126,6 @@ void showPaths(Invocation &invocation, const Options &options)
 
 // ---------------------------------------------------------------------------------------------------------------------
 // From volume, folder ID and name
-
-bool isNumber(const std::string &text)
-{
-    return !text.empty() && text.find_first_not_of("0123456789", text[0] == '-' ? 1 : 0) == std::string::npos && text != "-";
-}
-
-OSErr volumeNamed(const std::string &name, FSVolumeRefNum &volume)
-{
-    for (ItemCount index = 1;; ++index)
-    {
-        HFSUniStr255 volumeName = {};
-        FSVolumeRefNum found = 0;
-        OSErr result = FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, &found, kFSVolInfoNone, nullptr, &volumeName, nullptr);
-        if (result != noErr)
-            return nsvErr;
-        if (bytesFromName(volumeName) != name)
-            continue;
-        volume = found;
-        return noErr;
-    }
-}
-
-// A number, a path of anything on it, or its name.
-OSErr findVolume(const std::string &text, FSVolumeRefNum &volume)
-{
-    if (isNumber(text))
-    {
-        long number = text.size() > 6 ? 0 : std::stol(text);
-        volume = number >= -32768 && number <= 32767 ? static_cast<FSVolumeRefNum>(number) : kFSInvalidVolumeRefNum;
-        return volume == kFSInvalidVolumeRefNum ? nsvErr : noErr;
-    }
-    if (text.find('/') == std::string::npos)
-        return volumeNamed(text, volume);
-    FSRef ref;
-    FSCatalogInfo catalog = {};
-    OSStatus result = findObject(text, Links::follow, ref);
-    if (result == noErr)
-        result = FSGetCatalogInfo(&ref, kFSCatInfoVolume, &catalog, nullptr, nullptr, nullptr);
-    volume = catalog.volume;
-    return static_cast<OSErr>(result);
-}
 
 // As Macintosh software would have it: an ID beyond the middle of its range is a negative number.
 SInt32 folderIDFromText(const std::string &text)

@@ -50,22 +50,33 @@ public:
         openFolders_.push_back(&nodes_.front());
     }
 
-    void add(UInt32 level, const FSCatalogInfo &catalog, const HFSUniStr255 &name)
+    // False if it is not shown.
+    bool add(UInt32 level, const FSCatalogInfo &catalog, const HFSUniStr255 &name)
     {
         if (hiddenLevel_ != 0 && level > hiddenLevel_)
-            return;
+            return false;
         hiddenLevel_ = 0;
         Node node{{pathComponentFromName(name), catalog}, {}};
         if (!withHidden_ && isHidden(node.object))
         {
             hiddenLevel_ = level;
-            return;
+            return false;
         }
         count(catalog);
         Node *kept = &nodes_.emplace_back(std::move(node));
         openFolders_.resize(level);
         openFolders_.back()->items.push_back(kept);
         openFolders_.push_back(kept);
+        return true;
+    }
+
+    // Of the object that was shown last.
+    std::string pathOfLast() const
+    {
+        std::string path = root().object.name;
+        for (std::size_t level = 1; level < openFolders_.size(); ++level)
+            path = pathInFolder(path, openFolders_[level]->object.name);
+        return path;
     }
 
     void sort()
@@ -196,10 +207,14 @@ void showTree(Invocation &invocation, const Options &options)
     FSRef folder;
     OSStatus result = findObject(options.path, options.links, folder);
     Tree tree(options.path, options.withHidden);
-    auto add = [&](UInt32 level, const FSCatalogInfo &catalog, const FSRef &, const HFSUniStr255 *name) {
-        tree.add(level, catalog, *name);
+    auto add = [&](UInt32 level, const FSCatalogInfo &catalog, const FSRef &ref, const HFSUniStr255 *name) {
+        const bool isShown = tree.add(level, catalog, *name);
+        if (isShown && isFolder(catalog) && level != options.levels && !mayBeRead(ref))
+            invocation.report.failure(tree.pathOfLast(), afpAccessDenied);
         return false;
     };
+    if (result == noErr && !mayBeRead(folder))
+        result = afpAccessDenied;
     if (result == noErr)
         result = walkFolder(invocation.plugin, folder, options.levels, treeInfo, true, add);
     if (result != noErr)
@@ -227,8 +242,8 @@ const Command treeCommand = {
     "tree",
     "Show a folder's contents, level by level",
     "Behind a file's name stand its type and creator and the bytes of its data fork, + those of its resource\n"
-    "fork if it has any. Symbolic links are not followed. A folder that may not be read looks empty, and may\n"
-    "hide what comes behind it in its own folder.\n",
+    "fork if it has any. Symbolic links are not followed. A folder that may not be read is named on standard\n"
+    "error, and looks empty.\n",
     "  zerb tree Projects\n"
     "  zerb tree -a --levels 2 Projects\n"
     "  zerb tree --json Projects | jq .totals\n",

@@ -79,6 +79,14 @@ OSErr walkFolder(const Plugin &plugin, const FSRef &folder, UInt32 levels, FSCat
     return result;
 }
 
+bool mayBeRead(const FSRef &folder)
+{
+    constexpr UInt8 mayNotSeeFolders = 0x01, mayNotSeeFiles = 0x02;
+    FSCatalogInfo catalog = {};
+    const OSErr result = FSGetCatalogInfo(&folder, kFSCatInfoUserPrivs, &catalog, nullptr, nullptr, nullptr);
+    return result != noErr || (catalog.userPrivileges & (mayNotSeeFolders | mayNotSeeFiles)) == 0;   // gone meanwhile: nobody misses it
+}
+
 bool isHidden(const ShownObject &object)
 {
     return object.name.starts_with('.') || (finderFlagsOf(object.catalog) & kIsInvisible) != 0;

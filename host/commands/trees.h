@@ -29,6 +29,9 @@ using Visit = std::function<bool(UInt32 level, const FSCatalogInfo &catalog, con
 OSErr walkFolder(const Plugin &plugin, const FSRef &folder, UInt32 levels, FSCatalogInfoBitmap whichInfo, bool wantName,
                  const Visit &visit);
 
+// Whether a folder that a walk has just come to may be read. A walk says nothing of one that may not: to it the folder is empty.
+bool mayBeRead(const FSRef &folder);
+
 // What ls and tree show of an object.
 constexpr FSCatalogInfoBitmap shownInfo = kindInfo | kFSCatInfoContentMod | kFSCatInfoDataSizes | kFSCatInfoRsrcSizes;
 

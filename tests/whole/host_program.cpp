@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <grp.h>
 #include <pty.h>
 #include <stdexcept>
 #include <sys/prctl.h>
@@ -67,6 +68,8 @@ void prepare(const Setting &setting, const Stream &output, const Stream &errors)
     sendTo(open("/dev/null", O_RDONLY), STDIN_FILENO);
     sendTo(setting.outputFile.empty() ? output.descriptor() : open(setting.outputFile.c_str(), O_WRONLY), STDOUT_FILENO);
     sendTo(errors.descriptor(), STDERR_FILENO);
+    if (setting.user != 0 && (setgroups(0, nullptr) != 0 || setgid(setting.user) != 0 || setuid(setting.user) != 0))
+        _exit(126);
 }
 
 [[noreturn]] void becomeProgram(const Words &words, const Setting &setting)

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace host_tests
@@ -27,6 +28,7 @@ struct Setting
     Words environment;        // NAME=VALUE; an empty value is set empty
     std::string outputFile;   // where standard output goes instead; `output` is then empty
     std::string program = built("zerb");
+    uid_t user = 0;   // 0: the user that runs the tests
 };
 
 Outcome runHost(const Words &words, const Setting &setting = {});

@@ -1,5 +1,6 @@
 // The host's commands that list, walk and search folders: ls, tree and find.
 
+#include "tests/standin/processes.h"
 #include "tests/whole/host_program.h"
 
 #include <gmock/gmock.h>
@@ -290,6 +291,71 @@ TEST_F(HostFind, BeginsPathsAsTheyWereTyped)
     EXPECT_EQ(zerbWell({"find", "--name", "bottom"}), "./Disk/Folder/Deeper/bottom\n");
     EXPECT_EQ(zerbWell({"find", "--name", "bottom", "Disk//"}), "Disk//Folder/Deeper/bottom\n");
     EXPECT_EQ(zerbWell({"find", "--type", "TEXT", "Disk/Folder/"}), "Disk/Folder/Deeper/bottom\n");
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Folders that may not be read
+
+class HostTreesClosed : public HostTrees
+{
+protected:
+    void SetUp() override
+    {
+        HostTrees::SetUp();
+        if (!support::canBecomeOtherUsers())
+            GTEST_SKIP() << "only root can become another user";
+        if (asNobody({"--version"}).status != 0)
+            GTEST_SKIP() << "another user may not run the program where it was built";
+        ASSERT_EQ(chmod(folder().path().c_str(), 0755), 0);
+        ASSERT_EQ(chmod(path("Disk/Folder/Deeper").c_str(), 0700), 0);
+        makeFolder("Disk/Folder/Last");
+        makeFile("Disk/Folder/Last/leaf");
+    }
+
+    Outcome asNobody(const Words &words) const
+    {
+        return host_tests::runHost(words, {.directory = folder().path(), .environment = {}, .outputFile = "", .user = support::nobody});
+    }
+};
+
+TEST_F(HostTreesClosed, AreNamedByFindWhichGoesOn)
+{
+    const Outcome outcome = asNobody({"find", "Disk/Folder"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(sortedLinesOf(outcome.output),
+                ElementsAre("Disk/Folder/Deeper", "Disk/Folder/Last", "Disk/Folder/Last/leaf", "Disk/Folder/inner"));
+    EXPECT_THAT(outcome.errors, StartsWith("zerb: find: Disk/Folder/Deeper: afpAccessDenied (-5000)"));
+    EXPECT_EQ(linesOf(outcome.errors).size(), 2u) << "once, with what may help\n" << outcome.errors;
+}
+
+TEST_F(HostTreesClosed, AreNamedByTreeWhichGoesOn)
+{
+    const Outcome outcome = asNobody({"tree", "Disk"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.output, HasSubstr("leaf"));
+    EXPECT_THAT(outcome.errors, StartsWith("zerb: tree: Disk/Folder/Deeper: afpAccessDenied (-5000)"));
+    EXPECT_EQ(linesOf(outcome.errors).size(), 2u) << outcome.errors;
+}
+
+TEST_F(HostTreesClosed, AreNoConcernOfWhoDoesNotGoThere)
+{
+    for (const char *command : {"find", "tree"})
+    {
+        const Outcome outcome = asNobody({command, "--levels", "1", "Disk/Folder"});
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, "");
+    }
+}
+
+TEST_F(HostTreesClosed, AreAFailureWhereTheSearchBegins)
+{
+    for (const char *command : {"find", "tree"})
+    {
+        const Outcome outcome = asNobody({command, "Disk/Folder/Deeper"});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_THAT(outcome.errors, HasSubstr("Disk/Folder/Deeper: afpAccessDenied (-5000)"));
+        EXPECT_EQ(linesOf(outcome.errors).size(), 2u) << outcome.errors;
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

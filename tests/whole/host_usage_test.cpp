@@ -82,8 +82,8 @@ TEST(HostHelp, ExplainsEveryCommandWithExamples)
 {
     Outcome general = runHost({"--help"});
     EXPECT_EQ(general.status, 0);
-    for (const char *command :
-         {"info", "set", "touch", "attrs", "text", "ls", "tree", "find", "mv", "rename", "swap", "rm", "copy", "forks", "path", "name"})
+    for (const char *command : {"info", "set", "touch", "attrs", "text", "ls",   "tree",   "find", "mv", "rename",
+                                "swap", "rm",  "copy",  "forks", "path", "name", "access", "who",  "id", "cd"})
     {
         EXPECT_THAT(general.output, HasSubstr("\n  " + std::string(command) + " "));
         Outcome help = runHost({command, "--help"});

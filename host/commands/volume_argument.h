@@ -1,0 +1,14 @@
+// How volumes are named on the command line.
+#pragma once
+
+#include "platform/types.h"
+
+#include <string>
+
+namespace host
+{
+
+// A number, a path of anything on it (with a '/' in it), or its name. `volume` is written only on success.
+OSErr findVolume(const std::string &text, FSVolumeRefNum &volume);
+
+}   // namespace host
