@@ -1,6 +1,9 @@
 // Renaming, moving and exchanging through references, beside the bare system calls on as many files: `./bench`, or this program itself.
 //
 // The folders lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp, whatever disk that is. The references come from a listing, as a walk's do.
+//
+// "the same calls" are those that ours makes, with nothing between them: what such a row shows is our own code, and what it lacks to the row beside the bare
+// step is what the other calls cost.
 
 #include "benchmarks/ratio_table.h"
 #include "platform/platform.h"
@@ -15,6 +18,10 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 #include <vector>
 
@@ -139,6 +146,17 @@ struct OurRound : Round
         next = (next + 2) % fileCount;
     }
 
+    // Every file gets metadata of its own, which stay with its place when it is exchanged.
+    void giveTypes()
+    {
+        for (std::size_t number = 0; number < refs.size(); ++number)
+        {
+            FSCatalogInfo info{};
+            info.finderInfo[0] = static_cast<UInt8>('A' + number % 26);
+            require(FSSetCatalogInfo(&refs[number], kFSCatInfoFinderInfo, &info), "FSSetCatalogInfo");
+        }
+    }
+
     Folders folders;
     std::vector<FSRef> refs;
     FSRef one = refAt(folders.path() + "/one"), two = refAt(folders.path() + "/two");
@@ -179,19 +197,105 @@ struct BareRound : Round
     Folders folders;
 };
 
+// The calls that ours makes, in their order: both locks, is it the same, has it a sidecar or attributes, has the new name a sidecar, the step.
+struct ReplayedRound : BareRound
+{
+    explicit ReplayedRound(const std::string &disk) : BareRound(disk)
+    {
+        for (const char *name : {"/one", "/two"})
+            locks.push_back(open((folders.path() + name).c_str(), O_RDONLY | O_DIRECTORY));
+    }
+    ~ReplayedRound()
+    {
+        for (const int lock : locks)
+            close(lock);
+    }
+
+    static void lookAt(int folder, const std::string &name)
+    {
+        struct statx status;
+        statx(folder, name.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID, &status);
+    }
+
+    static void listAttributes(int folder, const std::string &name)
+    {
+        constexpr long listAttributesAtCall = 465;   // Linux 6.13
+        char list[4096];
+        if (syscall(listAttributesAtCall, folder, name.c_str(), AT_SYMLINK_NOFOLLOW, list, sizeof list) < 0)
+            llistxattr(("/proc/self/fd/" + std::to_string(folder) + '/' + name).c_str(), list, sizeof list);
+    }
+
+    void look(int from, const std::string &name, int to, const std::string &newName) const
+    {
+        lookAt(from, name);
+        lookAt(from, "._" + name);
+        listAttributes(from, name);
+        lookAt(to, "._" + newName);
+    }
+
+    void rename()
+    {
+        flock(locks[0], LOCK_EX | LOCK_NB);
+        look(folders.folder(false), nameOf(next, isBack), folders.folder(false), nameOf(next, !isBack));
+        BareRound::rename();
+        flock(locks[0], LOCK_UN);
+    }
+
+    void move()
+    {
+        for (const int lock : locks)
+            flock(lock, LOCK_EX | LOCK_NB);
+        look(folders.folder(isBack), nameOf(next, false), folders.folder(!isBack), nameOf(next, false));
+        BareRound::move();
+        for (const int lock : locks)
+            flock(lock, LOCK_UN);
+    }
+
+    void exchange()
+    {
+        flock(locks[0], LOCK_EX | LOCK_NB);
+        for (const std::size_t number : {next, (next + 1) % fileCount})
+        {
+            lookAt(folders.folder(false), nameOf(number, false));
+            lookAt(folders.folder(false), "._" + nameOf(number, false));
+            listAttributes(folders.folder(false), nameOf(number, false));
+        }
+        BareRound::exchange();
+        flock(locks[0], LOCK_UN);
+    }
+
+    std::vector<int> locks;
+};
+
 void addRowsOn(const std::string &disk, const std::string &diskName)
 {
     const auto ours = [&] { return std::make_shared<OurRound>(disk); };
     const auto bare = [&] { return std::make_shared<BareRound>(disk); };
+    const auto replayed = [&] { return std::make_shared<ReplayedRound>(disk); };
+    const auto typed = [&] {
+        auto round = std::make_shared<OurRound>(disk);
+        round->giveTypes();
+        return round;
+    };
     addRow(
         {"rename, " + diskName, "renameat2", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->rename(); });
+    addRow(
+        {"rename, " + diskName, "the same calls", ""}, [mine = ours()] { mine->rename(); }, [their = replayed()] { their->rename(); });
     addRow(
         {"rename, " + diskName, "std::filesystem", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->renameByPath(); });
     addRow(
         {"move, " + diskName, "renameat2", ""}, [mine = ours()] { mine->move(); }, [their = bare()] { their->move(); });
     addRow(
-        {"exchange, " + diskName, "RENAME_EXCHANGE", "with all metadata kept at their places"}, [mine = ours()] { mine->exchange(); },
+        {"move, " + diskName, "the same calls", ""}, [mine = ours()] { mine->move(); }, [their = replayed()] { their->move(); });
+    addRow(
+        {"exchange, " + diskName, "RENAME_EXCHANGE", "files made at one moment, without metadata"}, [mine = ours()] { mine->exchange(); },
         [their = bare()] { their->exchange(); });
+    addRow(
+        {"exchange, " + diskName, "the same calls", "the same files"}, [mine = ours()] { mine->exchange(); },
+        [their = replayed()] { their->exchange(); });
+    addRow(
+        {"exchange of files with types, " + diskName, "RENAME_EXCHANGE", "with all metadata kept at their places"},
+        [mine = typed()] { mine->exchange(); }, [their = bare()] { their->exchange(); });
 }
 
 std::string diskFolder()
