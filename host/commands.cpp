@@ -23,6 +23,7 @@ const Command *const commandOrder[] = {
     &renameCommand,
     &swapCommand,
     &rmCommand,
+    &writableCommand,
     &forksCommand,
     &accessCommand,
     &whoCommand,
@@ -32,6 +33,10 @@ const Command *const commandOrder[] = {
     &mountCommand,
     &pathCommand,
     &nameCommand,
+    &folderCommand,
+    &colonCommand,
+    &newCommand,
+    &catCommand,
     &textCommand,
 };
 // clang-format on

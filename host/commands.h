@@ -8,9 +8,12 @@ namespace host
 
 extern const Command accessCommand;
 extern const Command attrsCommand;
+extern const Command catCommand;
 extern const Command cdCommand;
+extern const Command colonCommand;
 extern const Command copyCommand;
 extern const Command findCommand;
+extern const Command folderCommand;
 extern const Command forksCommand;
 extern const Command idCommand;
 extern const Command infoCommand;
@@ -18,6 +21,7 @@ extern const Command lsCommand;
 extern const Command mountCommand;
 extern const Command mvCommand;
 extern const Command nameCommand;
+extern const Command newCommand;
 extern const Command pathCommand;
 extern const Command renameCommand;
 extern const Command rmCommand;
@@ -28,5 +32,6 @@ extern const Command touchCommand;
 extern const Command treeCommand;
 extern const Command volumesCommand;
 extern const Command whoCommand;
+extern const Command writableCommand;
 
 }   // namespace host

@@ -121,6 +121,21 @@ void takeStringFunctions(void *library, Plugin &plugin)
     takeTyped(library, "MyStringToDouble", plugin.MyStringToDouble);
 }
 
+// A variable's symbol is its name, whatever its linkage.
+void takeFolderFunctions(void *library, Plugin &plugin)
+{
+    take(library, "ZerbSharedFolderName", plugin.ZerbSharedFolderName);
+    takeTyped(library, "ZerbFindPrefFolder", plugin.ZerbFindPrefFolder);
+    takeTyped(library, "ZerbFindUserPrefFolder", plugin.ZerbFindUserPrefFolder);
+    takeTyped(library, "ZerbFindSysFolder", plugin.ZerbFindSysFolder);
+    takeTyped(library, "ZerbPathNameFromDirID", plugin.ZerbPathNameFromDirID);
+    takeTyped(library, "ZerbFindSharedUserFolder", plugin.ZerbFindSharedUserFolder);
+    takeTyped(library, "FSpCreate2", plugin.FSpCreate2);
+    takeTyped(library, "FSpOpenDF2", plugin.FSpOpenDF2);
+    takeTyped(library, "FSpDelete2", plugin.FSpDelete2);
+    takeTyped(library, "ZerbMakeWritableByAll", plugin.ZerbMakeWritableByAll);
+}
+
 Plugin takeFunctions(void *library)
 {
     Plugin plugin = {};
@@ -147,6 +162,7 @@ Plugin takeFunctions(void *library)
     takeVolumeFunctions(library, plugin);
     takeAccessFunctions(library, plugin);
     takeStringFunctions(library, plugin);
+    takeFolderFunctions(library, plugin);
     return plugin;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "files/fstoolkit.h"
+#include "folders/folderfiles.h"
 #include "strings/pstrings.h"
 
 #include <stdexcept>
@@ -72,6 +73,17 @@ struct Plugin
     decltype(&::StringHexToNum) StringHexToNum;
     decltype(&::MyDoubleToString) MyDoubleToString;
     decltype(&::MyStringToDouble) MyStringToDouble;
+
+    decltype(&::ZerbSharedFolderName) ZerbSharedFolderName;
+    decltype(&::ZerbFindPrefFolder) ZerbFindPrefFolder;
+    decltype(&::ZerbFindUserPrefFolder) ZerbFindUserPrefFolder;
+    decltype(&::ZerbFindSysFolder) ZerbFindSysFolder;
+    decltype(&::ZerbPathNameFromDirID) ZerbPathNameFromDirID;
+    decltype(&::ZerbFindSharedUserFolder) ZerbFindSharedUserFolder;
+    decltype(&::FSpCreate2) FSpCreate2;
+    decltype(&::FSpOpenDF2) FSpOpenDF2;
+    decltype(&::FSpDelete2) FSpDelete2;
+    decltype(&::ZerbMakeWritableByAll) ZerbMakeWritableByAll;
 };
 
 struct PluginError : std::runtime_error

@@ -59,6 +59,11 @@ const char *environmentProblem();
 // An empty path goes back to those.
 void useStateFolder(const std::string &directory);
 
+// Where FindFolder finds one of its folders, instead of what the environment says: a path as FSPathMakeRef takes it, beginning with '/'.
+// An empty path goes back to that.
+// Result: noErr; fnfErr if FindFolder knows no such folder; paramErr for a path that does not begin with '/'.
+OSErr useSpecialFolder(SInt16 domain, OSType folderType, const std::string &path);
+
 // Gets every notification that FNNotify sends in this process, on the caller's thread, before FNNotify returns.
 using NotificationObserver = std::function<void(const FSRef &object, UInt32 message, OptionBits options)>;
 

@@ -1,6 +1,7 @@
 // zerb rm: deletes files, and folders with all that is in them.
 #include "host/commands.h"
 
+#include "host/commands/colon_paths.h"
 #include "host/commands/deletion.h"
 #include "host/commands/trees.h"
 #include "host/text.h"
@@ -25,6 +26,8 @@ struct Options
     bool contentsAlone = false;
     bool force = false;
     bool verbose = false;
+    bool byColonPath = false;
+    PathEncoding encoding;
     ProgressWish progress;
 };
 
@@ -106,17 +109,33 @@ void deleteTarget(Invocation &invocation, const std::string &path, const Target 
         std::printf("%s%s\n", options.contentsAlone ? "emptied " : "deleted ", printable(path).c_str());
 }
 
+// Whether this may go; where nobody can be asked, that is reported.
+bool mayDelete(Invocation &invocation, const std::string &path, const std::string &question, const Options &options)
+{
+    if (options.force || isatty(STDIN_FILENO) != 0)
+        return options.force || isConfirmed(question);
+    invocation.report.problem(path, "is not deleted: there is no terminal to ask at; --force deletes without asking");
+    return false;
+}
+
+void deleteByColonPath(Invocation &invocation, const std::string &path, const Options &options)
+{
+    const std::string question = "Delete \"" + printable(path) + "\"?";
+    if (mayDelete(invocation, path, question, options) && deleteColonPath(invocation, path, options.encoding) && options.verbose)
+        std::printf("deleted %s\n", printable(path).c_str());
+}
+
 void deleteAt(Invocation &invocation, const std::string &path, const Options &options)
 {
+    if (options.byColonPath)
+        return deleteByColonPath(invocation, path, options);
     Target target;
     OSStatus result = findTarget(path, target);
     if (result != noErr)
         return invocation.report.failure(path, result);
     if (const char *objection = objectionTo(path, target, options))
         return invocation.report.problem(path, objection);
-    if (!options.force && isatty(STDIN_FILENO) == 0)
-        return invocation.report.problem(path, "is not deleted: there is no terminal to ask at; --force deletes without asking");
-    if (options.force || isConfirmed(questionOn(path, target, options)))
+    if (mayDelete(invocation, path, questionOn(path, target, options), options))
         deleteTarget(invocation, path, target, options);
 }
 
@@ -124,10 +143,14 @@ Action declareRm(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
     arguments.paths("PATH", options->paths, "files, folders or links; a link is deleted itself, never what it leads to");
-    arguments.flag("-r,--recursive", options->recursive, "folders too, with all that is in them");
-    arguments.flag("--contents", options->contentsAlone, "all that is in folders; they themselves stay");
+    const Arguments::Item recursive = arguments.flag("-r,--recursive", options->recursive, "folders too, with all that is in them");
+    const Arguments::Item contents = arguments.flag("--contents", options->contentsAlone, "all that is in folders; they themselves stay");
     arguments.flag("-f,--force", options->force, "do not ask");
     arguments.flag("-v,--verbose", options->verbose, "say what was deleted");
+    const Arguments::Item colon = arguments.flag("--colon", options->byColonPath,
+                                                 "PATH is a path with colons, of a file or an empty folder; here links are followed");
+    colon.excludes(recursive).excludes(contents);
+    addPathEncodingOption(arguments, options->encoding).needs(colon);
     arguments.progress(options->progress);
     return [options](Invocation &invocation) {
         for (const std::string &path : options->paths)
@@ -147,7 +170,8 @@ const Command rmCommand = {
     "  zerb rm Letter.txt\n"
     "  zerb rm -r Folder\n"
     "  zerb rm --force --contents --progress Trash\n"
-    "  zerb rm -- -odd-name\n",
+    "  zerb rm -- -odd-name\n"
+    "  zerb rm --colon :Work:Notes\n",
     declareRm,
 };
 

@@ -1,6 +1,7 @@
 #include "standin/files/paths.h"
 
 #include "standin/files/errors.h"
+#include "standin/files/names.h"
 
 #include <algorithm>
 #include <cstring>
@@ -87,13 +88,29 @@ OSErr enterVolume(Object &child)
     return volume && volume != child.volume ? findRoot(volume, child) : static_cast<OSErr>(noErr);
 }
 
+// What was made under a name is stored composed, and others may have stored it decomposed: where nothing has the name as it stands in the
+// path, its other form is meant.
+OSErr findInAnyForm(const VolumeHandle &volume, UInt32 folderID, const std::string &name, Object &child)
+{
+    HFSUniStr255 unicodeName;
+    std::vector<std::string> forms;
+    const OSErr result = findNamed(volume, folderID, name, child);
+    const bool isPlain = std::all_of(name.begin(), name.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+    if (result != fnfErr || isPlain || name.size() > longestDiskName)
+        return result;
+    unicodeFromDiskName(name, unicodeName);
+    if (lookupNamesFromUnicode(unicodeName.unicode, unicodeName.length, forms) != noErr)
+        return result;
+    return findFirstNamed(volume, folderID, forms, child);
+}
+
 OSErr stepInto(const std::string &name, Components &rest, int &links, Object &current)
 {
     if (!current.isFolder())
         return errFSNotAFolder;
     Object child;
     const UInt32 folderID = current.nodeID();
-    if (OSErr result = findNamed(current.volume, folderID, name, child))
+    if (OSErr result = findInAnyForm(current.volume, folderID, name, child))
         return result == fnfErr && !rest.empty() ? static_cast<OSErr>(dirNFErr) : result;
     if (child.status.isSymbolicLink())
         return ++links > mostLinks ? static_cast<OSErr>(bdNamErr) : followLink(child, folderID, rest, current);
@@ -161,7 +178,7 @@ OSErr pathOfObject(const Object &object, std::string &path)
     for (auto name = names.rbegin(); name != names.rend(); ++name)
         path += '/' + *name;
     if (path.empty())
-        path = "/";
+        path.assign(1, '/');   // by assignment GCC 12 warns, and is wrong
     return noErr;
 }
 

@@ -12,6 +12,20 @@
 namespace standin
 {
 
+std::string absolutePathFrom(const char *variable)
+{
+    const char *value = std::getenv(variable);
+    return value && value[0] == '/' ? value : std::string();
+}
+
+std::string homeOfUser()
+{
+    std::string home = absolutePathFrom("HOME");
+    if (home.empty())
+        linux_calls::homeFolder(linux_calls::effectiveUser(), home);
+    return home;
+}
+
 namespace
 {
 
@@ -25,21 +39,6 @@ ChosenFolder &chosen()
 {
     static ChosenFolder folder;
     return folder;
-}
-
-// Paths of the environment count only if they are absolute.
-std::string absolutePathFrom(const char *variable)
-{
-    const char *value = std::getenv(variable);
-    return value && value[0] == '/' ? value : std::string();
-}
-
-std::string homeOfUser()
-{
-    std::string home = absolutePathFrom("HOME");
-    if (home.empty())
-        linux_calls::homeFolder(linux_calls::effectiveUser(), home);
-    return home;
 }
 
 std::string folderFromEnvironment()

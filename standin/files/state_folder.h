@@ -12,4 +12,10 @@ std::string stateFolder();
 // Makes a folder and those above it where they are missing, for this user alone. 0, or the negative errno.
 int makeStateFolder(const std::string &path);
 
+// The value of an environment variable that holds a path; empty if it is missing or not absolute, in which case it does not count.
+std::string absolutePathFrom(const char *variable);
+
+// The home of the user that this process acts for; empty where nothing knows one.
+std::string homeOfUser();
+
 }   // namespace standin
