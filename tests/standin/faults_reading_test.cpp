@@ -238,7 +238,7 @@ bool FaultsInReading::readWith(const Fault &fault)
         result = read(answer);
     }
     SCOPED_TRACE(testing::Message() << FaultyCalls::failedCall() << " failed, the result was " << result);
-    EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
+    EXPECT_LE(openDescriptors(), open) << "descriptors before and after, when those kept for earlier work may be gone";
     EXPECT_EQ(pictureOf(scene_.directory), onDisk_);
     for (const auto &[item, value] : answer)
     {

@@ -84,7 +84,7 @@ bool Faults::runWith(const Fault &fault)
         FaultyCalls faults(fault);
         result = change().run(scene);
     }
-    EXPECT_EQ(openDescriptors(), open) << "descriptors before and after";
+    EXPECT_LE(openDescriptors(), open) << "descriptors before and after, when those kept for earlier work may be gone";
     if (!FaultyCalls::reached())
     {
         EXPECT_EQ(result, change().expected);

@@ -126,7 +126,7 @@ TEST_F(MountedVolumes, NothingIsKeptAndNobodyLooksAfterThemWhenTheyRest)
     const long threads = entriesIn("/proc/self/task");
     std::this_thread::sleep_for(longerThanIdle);
     EXPECT_EQ(descriptorsOn(disk.place()), 0);
-    EXPECT_EQ(entriesIn("/proc/self/task"), threads - 1);
+    EXPECT_LT(entriesIn("/proc/self/task"), threads) << "other threads of earlier tests may have ended too";
 }
 
 TEST_F(MountedVolumes, KeepTheirNumberWhenTheyAreMovedToAnotherPlace)
