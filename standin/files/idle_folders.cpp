@@ -29,6 +29,7 @@ struct Keeper
     bool isRunning = false;
     std::atomic<bool> wasNoted{false};   // since the last look
     pid_t process = 0;                   // in which it runs: a child made by fork() has no such thread
+    std::mutex looking;                  // held while it looks, and so while it holds locks of the tables
 };
 
 // Never destroyed: the thread may still look when the process ends.
@@ -38,6 +39,7 @@ static_assert(std::is_trivially_destructible_v<Keeper>);
 // How many descriptors stay.
 std::size_t closeIdleFolders()
 {
+    const std::lock_guard lock(keeper.looking);
     const std::int64_t usedBefore = linux_calls::coarseMilliseconds() - longestIdleMilliseconds;
     std::size_t left = closeIdleRoots(usedBefore);
     left += closeIdleDirectories(usedBefore);
@@ -88,12 +90,36 @@ bool startThread()
 
 }   // namespace
 
+namespace
+{
+
+// A child must not get a table that this thread, which the child lacks, has locked for ever.
+void waitWithForkUntilItRests()
+{
+    keeper.looking.lock();
+    keeper.mutex.lock();
+}
+
+void goOnInParent()
+{
+    keeper.mutex.unlock();
+    keeper.looking.unlock();
+}
+
+void goOnInChild()
+{
+    keeper.wasNoted = false;
+    goOnInParent();
+}
+
+}   // namespace
+
 // A walk says it for each folder, and mostly it was said already: then the thread will look once more anyway.
 void noteKeptFolder()
 {
     if (keeper.wasNoted)
         return;
-    static const int registered = ::pthread_atfork(nullptr, nullptr, [] { keeper.wasNoted = false; });
+    static const int registered = ::pthread_atfork(waitWithForkUntilItRests, goOnInParent, goOnInChild);
     (void)registered;
     const std::lock_guard lock(keeper.mutex);
     const pid_t process = ::getpid();
