@@ -55,8 +55,15 @@ constexpr OSErr errFSIteratorNotFound = -1423;
 // Memory and resources
 constexpr OSErr memFullErr = -108;
 constexpr OSErr nilHandleErr = -109;
-constexpr OSErr memWZErr = -111;   // a pointer that is no block
+constexpr OSErr memWZErr = -111;         // a pointer that is no block
+constexpr OSErr badExtResource = -185;   // compressed, or its bytes do not lie in the file
+constexpr OSErr inputOutOfBounds = -190;
 constexpr OSErr resNotFound = -192;
+constexpr OSErr resFNotFound = -193;
+constexpr OSErr mapReadErr = -199;   // no map of resources, or a damaged one
+
+// Drawing
+constexpr OSErr cDepthErr = -157;
 
 // Text conversion
 constexpr OSStatus kTextUnsupportedEncodingErr = -8738;

@@ -64,6 +64,7 @@ using GrafPtr = struct OpaqueGrafPtr *;
 using CGrafPtr = GrafPtr;
 using MenuRef = struct OpaqueMenuRef *;
 using RgnHandle = struct OpaqueRgnHandle *;
+using CTabHandle = struct OpaqueCTabHandle *;
 using IconSuiteRef = struct OpaqueIconSuiteRef *;
 using FSIterator = struct OpaqueFSIterator *;
 using UnicodeToTextInfo = struct OpaqueUnicodeToTextInfo *;

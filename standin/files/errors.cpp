@@ -107,7 +107,12 @@ constexpr ResultCodeRow resultCodeRows[] = {
     RESULT_CODE(nilHandleErr, "the handle is empty"),
     RESULT_CODE(memWZErr, "the pointer or handle is no memory block, or no longer one"),
     RESULT_CODE(dirNFErr, "there is no such folder"),
+    RESULT_CODE(badExtResource, "the resource is compressed, or its bytes do not lie in the file"),
+    RESULT_CODE(inputOutOfBounds, "the part that was asked for does not lie in the resource"),
     RESULT_CODE(resNotFound, "there is no such resource"),
+    RESULT_CODE(resFNotFound, "there is no resource file"),
+    RESULT_CODE(mapReadErr, "this is no resource file, or its map is damaged"),
+    RESULT_CODE(cDepthErr, "pixels have 32 bits here and no other number"),
 
     RESULT_CODE(fidNotFound, "there is no file with that ID"),
     RESULT_CODE(fidExists, "the file already has an ID"),
