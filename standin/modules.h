@@ -1,0 +1,18 @@
+// Parts of the stand-in that are loaded when they are first needed: work on files must load neither a window system nor a font engine.
+//
+// A module is a shared library beside libzerbstandin.so. It exports one C function, which gives a table of what the module does.
+#pragma once
+
+#include <string>
+
+namespace standin
+{
+
+// The exported function of a module, as `Function *`; null if the module or the function is not there. Each module is loaded once and stays.
+// May be called from any thread.
+void *moduleFunction(const std::string &module, const char *function);
+
+// Why the last moduleFunction of this thread gave null, in one sentence without a full stop.
+const std::string &moduleProblem();
+
+}   // namespace standin
