@@ -18,6 +18,14 @@ struct DialogTemplate
     Str255 title;
 };
 
+// An "ALRT" resource as it lies in memory. Four bits for each of four stages.
+struct AlertTemplate
+{
+    Rect boundsRect;
+    SInt16 itemsID;
+    UInt16 stages;
+};
+
 #pragma pack(pop)
 
 #pragma GCC visibility push(default)
