@@ -44,7 +44,10 @@ GrafPtr newPort(const Rect &bounds, Point topLeft);
 // The port that drawing goes to; never null: before the first SetPort it is a port of one pixel.
 OpaqueGrafPtr &currentPort();
 
-// Makes a port current as long as it lives.
+// The port whose bit map this is, or null.
+GrafPtr portOfBitMap(const BitMap *bitMap);
+
+// Makes a port current as long as it lives; what was current before comes back, unless it has been disposed of meanwhile.
 class PortSetting
 {
 public:

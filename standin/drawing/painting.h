@@ -1,0 +1,26 @@
+// What the sources that draw share: areas that may reach out of 16 bits, and rows of pixels within a port's clip.
+#pragma once
+
+#include "standin/drawing/port.h"
+
+namespace standin
+{
+
+// A rectangle in local coordinates, before it is clipped: a line that hangs from the last coordinate reaches beyond 16 bits.
+struct Area
+{
+    int top, left, bottom, right;
+};
+
+Area areaOf(const Rect &rect);
+
+// The part that lies within the port's clip; 0, 0, 0, 0 if none does.
+Rect visiblePart(const OpaqueGrafPtr &port, const Area &area);
+
+// The pixel at a place that lies within the port's bounds.
+Pixel *pixelAt(OpaqueGrafPtr &port, int v, int h);
+
+// Draws what of `area` is visible with the pen's pattern in the port's colours, and notes it as changed.
+void paintArea(OpaqueGrafPtr &port, const Area &area);
+
+}   // namespace standin
