@@ -164,6 +164,13 @@ static_assert(offsetof(PenState, pnPat) == 10);
 
 static_assert(sizeof(GDevice) == 8);
 
+static_assert(sizeof(EventRecord) == (widePointers ? 20 : 16) && alignof(EventRecord) == 2);
+static_assert(offsetof(EventRecord, message) == 2);
+static_assert(offsetof(EventRecord, when) == (widePointers ? 10 : 6));
+
+static_assert(sizeof(AlertTemplate) == 12 && alignof(AlertTemplate) == 2);
+static_assert(offsetof(AlertTemplate, itemsID) == 8);
+
 static_assert(sizeof(DialogTemplate) == 276 && alignof(DialogTemplate) == 2);
 static_assert(offsetof(DialogTemplate, boundsRect) == 0);
 static_assert(offsetof(DialogTemplate, procID) == 8);
