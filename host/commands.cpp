@@ -25,6 +25,7 @@ const Command *const commandOrder[] = {
     &rmCommand,
     &writableCommand,
     &forksCommand,
+    &rsrcCommand,
     &accessCommand,
     &whoCommand,
     &idCommand,

@@ -25,6 +25,7 @@ extern const Command newCommand;
 extern const Command pathCommand;
 extern const Command renameCommand;
 extern const Command rmCommand;
+extern const Command rsrcCommand;
 extern const Command setCommand;
 extern const Command swapCommand;
 extern const Command textCommand;

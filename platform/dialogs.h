@@ -19,7 +19,7 @@ struct DialogTemplate
     Str255 title;
 };
 
-// An "ALRT" resource as it lies in memory.
+// An "ALRT" resource as it lies in memory. Four bits for each of four stages.
 struct AlertTemplate
 {
     Rect boundsRect;

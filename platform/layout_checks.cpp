@@ -169,8 +169,9 @@ static_assert(offsetof(EventRecord, message) == 2);
 static_assert(offsetof(EventRecord, when) == (widePointers ? 10 : 6));
 
 static_assert(sizeof(AlertTemplate) == 12 && alignof(AlertTemplate) == 2);
+static_assert(offsetof(AlertTemplate, boundsRect) == 0);
 static_assert(offsetof(AlertTemplate, itemsID) == 8);
-
+static_assert(offsetof(AlertTemplate, stages) == 10);
 static_assert(sizeof(DialogTemplate) == 276 && alignof(DialogTemplate) == 2);
 static_assert(offsetof(DialogTemplate, boundsRect) == 0);
 static_assert(offsetof(DialogTemplate, procID) == 8);

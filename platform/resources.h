@@ -6,6 +6,14 @@
 #include "platform/results.h"
 #include "platform/types.h"
 
+// Attributes of a resource. The lowest bit has no published name: it marks compressed data.
+constexpr SInt16 resChanged = 0x02;
+constexpr SInt16 resPreload = 0x04;
+constexpr SInt16 resProtected = 0x08;
+constexpr SInt16 resLocked = 0x10;
+constexpr SInt16 resPurgeable = 0x20;
+constexpr SInt16 resSysHeap = 0x40;
+
 #pragma GCC visibility push(default)
 extern "C"
 {
@@ -19,9 +27,24 @@ OSErr ResError(void);
 
 Handle GetResource(ResType type, SInt16 resID);
 Handle Get1Resource(ResType type, SInt16 resID);   // from the current file alone
+Handle GetNamedResource(ResType type, ConstStr255Param name);
+Handle Get1NamedResource(ResType type, ConstStr255Param name);
+void LoadResource(Handle resource);
 void DetachResource(Handle resource);
 void ReleaseResource(Handle resource);
 void SetResLoad(Boolean load);
 void GetResInfo(Handle resource, SInt16 *resID, ResType *type, Str255 name);
+SInt16 GetResAttrs(Handle resource);
+SInt16 HomeResFile(Handle resource);
+
+// What there is in the current file; indices begin at 1
+SInt16 Count1Types(void);
+void Get1IndType(ResType *type, SInt16 index);
+SInt16 Count1Resources(ResType type);
+Handle Get1IndResource(ResType type, SInt16 index);
+
+// The bytes in the file, whether they are loaded or not
+long GetResourceSizeOnDisk(Handle resource);
+void ReadPartialResource(Handle resource, long offset, void *buffer, long count);
 }
 #pragma GCC visibility pop

@@ -161,8 +161,8 @@ DialogRef GetNewDialog(SInt16 dialogID, void *, WindowRef)
     return shown(newDialog({window, from.refCon}, items), from.visible != 0);
 }
 
-DialogRef NewDialog(void *, const Rect *bounds, ConstStr255Param title, Boolean visible, SInt16 procID, WindowRef, Boolean goAway, SInt32 refCon,
-                    Handle items)
+DialogRef NewDialog(void *, const Rect *bounds, ConstStr255Param title, Boolean visible, SInt16 procID, WindowRef, Boolean goAway,
+                    SInt32 refCon, Handle items)
 {
     if (bounds == nullptr || items == nullptr)
         return nullptr;

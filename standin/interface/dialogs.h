@@ -13,8 +13,8 @@ struct DialogItem
 {
     DialogItemType type = 0;   // with kItemDisableBit
     Rect box{};
-    Handle handle = nullptr;   // of a control or text: its text; of a user item: the procedure that draws it
-    Handle ownText = nullptr;  // the handle that goes with the dialog, also after SetDialogItem has put another in its place
+    Handle handle = nullptr;    // of a control or text: its text; of a user item: the procedure that draws it
+    Handle ownText = nullptr;   // the handle that goes with the dialog, also after SetDialogItem has put another in its place
     SInt16 resourceID = 0;
 };
 
@@ -52,7 +52,7 @@ struct DialogSetting
 // Null if the items are damaged, the bounds none that a window could have, or memory is short. Not shown yet.
 DialogRef newDialog(const DialogSetting &setting, const std::string &itemBytes);
 
-bool isDialog(DialogRef dialog);                             // one that exists
+bool isDialog(DialogRef dialog);                              // one that exists
 DialogItem *itemOf(DialogRef dialog, DialogItemIndex item);   // null if there is none
 
 bool isControl(const DialogItem &item);   // a button, a check box or a radio button

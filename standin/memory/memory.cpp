@@ -3,11 +3,14 @@
 // All calls may come from any thread; using one block or handle from several at once is the callers' business.
 // Every call but BlockMoveData, FreeMem, MaxBlock and MemError itself leaves its result for MemError, which tells the calling thread's last one.
 // A pointer or handle that never came from here, or was disposed of before, cannot be told from a good one.
+// An empty handle, of a resource that is not loaded, has no block: its size is told as 0, with nilHandleErr, and nothing can be appended.
 #include "platform/memory.h"
 
 #include "standin/memory/available_memory.h"
+#include "standin/memory/handles.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -28,11 +31,14 @@ struct alignas(std::max_align_t) PtrHeader
 // A Handle is the address of `block`, the master pointer.
 struct HandleRecord
 {
-    Ptr block;   // may move when it grows, unless locked; never null
+    Ptr block;   // may move when it grows, unless locked; null in an empty handle alone
     Size byteCount;
     Size capacity;
     bool locked;
+    bool isWatched;
 };
+
+std::atomic<standin::DisposalObserver> disposalObserver{nullptr};
 
 constexpr Size smallestCapacity = 16;
 
@@ -92,6 +98,43 @@ long toldMemory()
 
 }   // namespace
 
+namespace standin
+{
+
+Handle newEmptyHandle()
+{
+    auto *record = new (std::nothrow) HandleRecord{nullptr, 0, 0, false, false};
+    return record == nullptr ? nullptr : &record->block;
+}
+
+bool fillHandle(Handle handle, Size byteCount)
+{
+    HandleRecord &record = *recordOf(handle);
+    if (!isReasonable(byteCount) || !moveBlock(record, std::max(byteCount, smallestCapacity)))
+        return false;
+    record.byteCount = byteCount;
+    return true;
+}
+
+void emptyHandle(Handle handle)
+{
+    HandleRecord &record = *recordOf(handle);
+    std::free(record.block);
+    record = {nullptr, 0, 0, record.locked, record.isWatched};
+}
+
+void watchHandle(Handle handle, bool isWatched)
+{
+    recordOf(handle)->isWatched = isWatched;
+}
+
+void setDisposalObserver(DisposalObserver observer)
+{
+    disposalObserver = observer;
+}
+
+}   // namespace standin
+
 // The bytes are not cleared. A size of 0 is legal.
 // Result: null, with memFullErr, if there is no memory or the size is negative or more than the machine has.
 Ptr NewPtr(Size byteCount)
@@ -124,7 +167,7 @@ Handle NewHandle(Size byteCount)
 {
     if (!isReasonable(byteCount))
         return reported(memFullErr, nullptr);
-    HandleRecord record{nullptr, byteCount, 0, false};
+    HandleRecord record{nullptr, byteCount, 0, false, false};
     if (!moveBlock(record, std::max(byteCount, smallestCapacity)))
         return reported(memFullErr, nullptr);
     auto *kept = new (std::nothrow) HandleRecord(record);
@@ -141,16 +184,19 @@ void DisposeHandle(Handle handle)
 {
     if (handle != nullptr)
     {
+        const standin::DisposalObserver observer = disposalObserver;
+        if (recordOf(handle)->isWatched && observer != nullptr)
+            observer(handle);
         std::free(*handle);
         delete recordOf(handle);
     }
     lastResult = noErr;
 }
 
-// 0, with nilHandleErr, for null.
+// 0, with nilHandleErr, for null and for an empty handle.
 Size GetHandleSize(Handle handle)
 {
-    if (handle == nullptr)
+    if (handle == nullptr || *handle == nullptr)
         return reported(nilHandleErr, Size{0});
     return reported(noErr, recordOf(handle)->byteCount);
 }
@@ -185,11 +231,11 @@ void HUnlock(Handle handle)
 }
 
 // Appends `size` bytes. The block may move unless it is locked, so `source` must not lie in it.
-// Result: noErr; nilHandleErr for a null handle; paramErr for a negative size or a null source with bytes to copy;
+// Result: noErr; nilHandleErr for a null or empty handle; paramErr for a negative size or a null source with bytes to copy;
 // memFullErr if there is no memory, or none without moving a locked block. On failure the handle is unchanged.
 OSErr PtrAndHand(const void *source, Handle handle, long size)
 {
-    if (handle == nullptr)
+    if (handle == nullptr || *handle == nullptr)
         return lastResult = nilHandleErr;
     if (size < 0 || (source == nullptr && size > 0))
         return lastResult = paramErr;
