@@ -38,6 +38,7 @@ const Command *const commandOrder[] = {
     &colonCommand,
     &newCommand,
     &catCommand,
+    &dialogCommand,
     &textCommand,
 };
 // clang-format on

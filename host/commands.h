@@ -12,6 +12,7 @@ extern const Command catCommand;
 extern const Command cdCommand;
 extern const Command colonCommand;
 extern const Command copyCommand;
+extern const Command dialogCommand;
 extern const Command findCommand;
 extern const Command folderCommand;
 extern const Command forksCommand;
