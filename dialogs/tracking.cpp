@@ -10,7 +10,7 @@ constexpr SInt16 delayIsUsual = -1;
 constexpr SInt16 nothingChecked = -1;
 constexpr SInt16 noLabel = 0;
 
-struct Button
+struct TrackedButton
 {
     bool isSmall;
     Rect where;
@@ -29,7 +29,7 @@ struct PopUp
     MenuRef menu = nullptr;   // once it was shown, if it still is there
 };
 
-void draw(Button &button, bool pressed)
+void draw(TrackedButton &button, bool pressed)
 {
     const IconTransformType transform = pressed ? kTransformSelected : kTransformNone;
     if (button.isSmall)
@@ -40,7 +40,7 @@ void draw(Button &button, bool pressed)
 }
 
 // Draws the button anew if the mouse has come or gone, and says whether the mouse is over it.
-bool followMouse(Button &button)
+bool followMouse(TrackedButton &button)
 {
     Point mouse;
     GetMouse(&mouse);
@@ -95,7 +95,7 @@ SInt16 choose(PopUp &popUp, const Rect &where)
 
 // After a menu the mouse is asked for once more, as ever: it was released there, and so this ends, with the button drawn
 // as pressed wherever the mouse is.
-SInt16 track(Button &button, PopUp *popUp)
+SInt16 track(TrackedButton &button, PopUp *popUp)
 {
     SInt16 result = 1;
     draw(button, true);
@@ -112,7 +112,7 @@ SInt16 track(Button &button, PopUp *popUp)
     return result;
 }
 
-SInt16 trackItem(DialogRef dialog, SInt16 item, Button &button, PopUp *popUp)
+SInt16 trackItem(DialogRef dialog, SInt16 item, TrackedButton &button, PopUp *popUp)
 {
     GrafPtr savedPort;
     GetPort(&savedPort);
@@ -146,20 +146,20 @@ void clearMarksOf(const PopUp &popUp)
 
 SInt16 MyTrackIconButton(DialogRef dialog, SInt16 item, SInt16 resID, IconAlignmentType alignment)
 {
-    Button button = {false, {}, resID, alignment};
+    TrackedButton button = {false, {}, resID, alignment};
     return trackItem(dialog, item, button, nullptr);
 }
 
 SInt16 TrackRectIconButton(Rect where, SInt16 resID, IconAlignmentType alignment)
 {
-    Button button = {true, where, resID, alignment};
+    TrackedButton button = {true, where, resID, alignment};
     return track(button, nullptr);
 }
 
 SInt16 TrackIconButtonWithPopUp(SInt16 resID, IconAlignmentType alignment, SInt16 menuID, Boolean menuInserted, SInt16 checkedItem,
                                 Rect where)
 {
-    Button button = {true, where, resID, alignment};
+    TrackedButton button = {true, where, resID, alignment};
     PopUp popUp = {menuID, menuInserted != 0, checkedItem, usualDelay};
     return track(button, &popUp);
 }
@@ -167,7 +167,7 @@ SInt16 TrackIconButtonWithPopUp(SInt16 resID, IconAlignmentType alignment, SInt1
 SInt16 MyTrackIconButtonWithPopUp(DialogRef dialog, SInt16 item, SInt16 resID, IconAlignmentType alignment, SInt16 menuID,
                                   Boolean menuInserted, SInt16 checkedItem, Boolean clearMarks, SInt16 delay)
 {
-    Button button = {false, {}, resID, alignment};
+    TrackedButton button = {false, {}, resID, alignment};
     PopUp popUp = {menuID, menuInserted != 0, checkedItem, delay == delayIsUsual ? usualDelay : delay};
     const SInt16 result = trackItem(dialog, item, button, &popUp);
     if (menuID != 0 && clearMarks)

@@ -25,6 +25,7 @@ const Command *const commandOrder[] = {
     &rmCommand,
     &writableCommand,
     &forksCommand,
+    &rsrcCommand,
     &accessCommand,
     &whoCommand,
     &idCommand,
@@ -37,6 +38,7 @@ const Command *const commandOrder[] = {
     &colonCommand,
     &newCommand,
     &catCommand,
+    &dialogCommand,
     &textCommand,
 };
 // clang-format on

@@ -3,6 +3,7 @@
 
 #include "host/catalog_json.h"
 #include "host/commands/people.h"
+#include "host/commands/volume_argument.h"
 #include "host/numbers.h"
 #include "host/text.h"
 
@@ -150,19 +151,20 @@ Json accessJson(const Plugin &plugin, const std::string &path, const Access &acc
 // ---------------------------------------------------------------------------------------------------------------------
 // Changing
 
-// A word that is no number is a name. What stays as it is, is set again: the File Manager sets all three at once.
-OSErr takePerson(const Plugin &plugin, FSVolumeRefNum volume, People people, const std::string &word, SInt32 &wanted)
+// A word that is no number is a name; nobody of that name is reported. Without a word `wanted` stays as it is and is set again: the
+// File Manager sets owner, group and rights at once.
+OSErr takePerson(Invocation &invocation, FSVolumeRefNum volume, People people, const std::string &word, SInt32 &wanted)
 {
     if (word.empty())
         return noErr;
-    UInt32 number = 0;
-    OSErr result = noErr;
-    if (std::optional<UInt32> typed = numberFromWord(word))
-        number = *typed;
-    else
-        result = numberOfName(plugin, volume, people, word, number);
+    const std::optional<UInt32> typed = numberFromWord(word);
+    UInt32 number = typed.value_or(0);
+    const OSErr result = typed ? static_cast<OSErr>(noErr) : numberOfName(invocation.plugin, volume, people, word, number);
     if (result == noErr)
         wanted = static_cast<SInt32>(number);
+    else
+        invocation.report.problem(word,
+                                  describeResult(result) + ": there is no " + wordFor(people) + " of that name (`zerb who` looks one up)");
     return result;
 }
 
@@ -178,34 +180,28 @@ const char *adviceFor(OSStatus result)
     }
 }
 
+OSStatus reportPath(Invocation &invocation, const std::string &path, OSStatus result)
+{
+    invocation.report.problem(path, describeResult(result) + ": " + meaningOfResult(result) + adviceFor(result));
+    return result;
+}
+
+// Blank access that is there stays, unless rights are given: another owner alone does not end it.
 OSStatus changeAccess(Invocation &invocation, const Options &options, const std::string &path)
 {
     FSRef ref;
     Access access;
     OSStatus result = readAccess(invocation.plugin, path, ref, access);
-    const std::pair<People, const std::string *> typed[] = {{People::user, &options.owner}, {People::group, &options.group}};
-    for (const auto &[people, word] : typed)
-    {
-        SInt32 &wanted = people == People::user ? access.owner : access.group;
-        const OSErr found =
-            result == noErr ? takePerson(invocation.plugin, access.volume, people, *word, wanted) : static_cast<OSErr>(noErr);
-        if (found != noErr)
-        {
-            invocation.report.problem(*word, describeResult(found) + ": there is no " + wordFor(people) +
-                                                 " of that name (`zerb who` looks one up)");
-            return found;
-        }
-    }
-    if (result == noErr)
-    {
-        UInt32 rights = options.rights.value_or(access.rights & ~blankAccess) | (options.blank ? blankAccess : 0);
-        if (!options.rights && (access.rights & blankAccess) && !options.blank)
-            rights |= blankAccess;   // another owner alone does not end it
-        result = invocation.plugin.FSSetDirAccess(&ref, access.owner, access.group, rights);
-    }
     if (result != noErr)
-        invocation.report.problem(path, describeResult(result) + ": " + meaningOfResult(result) + adviceFor(result));
-    return result;
+        return reportPath(invocation, path, result);
+    result = takePerson(invocation, access.volume, People::user, options.owner, access.owner);
+    if (result == noErr)
+        result = takePerson(invocation, access.volume, People::group, options.group, access.group);
+    if (result != noErr)
+        return result;
+    const UInt32 rights = options.rights.value_or(access.rights) | (options.blank ? blankAccess : 0);
+    result = invocation.plugin.FSSetDirAccess(&ref, access.owner, access.group, rights);
+    return result == noErr ? noErr : reportPath(invocation, path, result);
 }
 
 void showPath(Invocation &invocation, const Options &options, const std::string &path, Json &list)

@@ -1,6 +1,7 @@
 // zerb forks dump: the bytes of a fork, for people or as they are.
 #include "host/commands/fork_bytes.h"
 
+#include "host/hexadecimal_lines.h"
 #include "host/text.h"
 
 #include "platform/files.h"
@@ -15,8 +16,6 @@ namespace host
 namespace
 {
 
-constexpr std::size_t bytesOfLine = 16;
-
 struct Options
 {
     std::string path;
@@ -26,38 +25,12 @@ struct Options
     bool isRaw = false;
 };
 
-// 00000010  44 65 61 72 20 4D 72 2E  20 42 61 62 62 61 67 65  |Dear Mr. Babbage|
-std::string lineOf(UInt64 offset, std::span<const char> bytes)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%08llX ", static_cast<unsigned long long>(offset));
-    std::string line = text;
-    std::string characters;
-    for (std::size_t index = 0; index < bytesOfLine; ++index)
-    {
-        line += index % 8 == 0 && index > 0 ? "  " : " ";
-        if (index >= bytes.size())
-        {
-            line += "  ";
-            continue;
-        }
-        auto byte = static_cast<unsigned char>(bytes[index]);
-        std::snprintf(text, sizeof text, "%02X", unsigned{byte});
-        line += text;
-        characters += byte >= 0x20 && byte < 0x7F ? bytes[index] : '.';
-    }
-    return line + "  |" + characters + "|\n";
-}
-
 // False once the output cannot be written.
 bool dumpLines(UInt64 &offset, std::span<const char> bytes)
 {
     std::string lines;
-    for (std::size_t index = 0; index < bytes.size(); index += bytesOfLine)
-    {
-        std::span<const char> row = bytes.subspan(index, std::min(bytesOfLine, bytes.size() - index));
-        lines += lineOf(offset + index, row);
-    }
+    for (std::size_t index = 0; index < bytes.size(); index += bytesOfHexadecimalLine)
+        lines += hexadecimalLine(offset + index, bytes.subspan(index));
     offset += bytes.size();
     return std::fwrite(lines.data(), 1, lines.size(), stdout) == lines.size();
 }

@@ -2,7 +2,7 @@
 #include "host/commands.h"
 
 #include "host/catalog_json.h"
-#include "host/commands/people.h"
+#include "host/commands/volume_argument.h"
 #include "host/json_text.h"
 #include "host/text.h"
 

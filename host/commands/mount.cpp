@@ -29,11 +29,11 @@ struct SaveOptions
     std::string volume, file;
 };
 
-OSErr recordOf(const Plugin &plugin, const std::string &volume, std::vector<char> &record)
+OSStatus recordOf(const Plugin &plugin, const std::string &volume, std::vector<char> &record)
 {
     FSVolumeRefNum number = 0;
     SInt16 size = 0;
-    if (OSErr result = findVolume(volume, number))
+    if (OSStatus result = findVolume(volume, number))
         return result;
     if (OSErr result = plugin.FSGetVolMountInfoSize(number, &size))
         return result;

@@ -141,10 +141,10 @@ OSErr shortNameOf(const Plugin &plugin, const std::string &component, Str63 shor
     return plugin.UnicodeNameGetHFSName(name->length, name->unicode, kTextEncodingUnknown, false, shortName);
 }
 
-OSErr locateTriple(const Plugin &plugin, const Options &options, Location &location)
+OSStatus locateTriple(const Plugin &plugin, const Options &options, Location &location)
 {
     FSVolumeRefNum volume = kFSInvalidVolumeRefNum;
-    OSErr result = findVolume(options.words[0], volume);
+    OSStatus result = findVolume(options.words[0], volume);
     if (result != noErr)
         return result;
     location.spec.vRefNum = volume;

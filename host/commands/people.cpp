@@ -47,17 +47,6 @@ const char *wordFor(People people)
     return people == People::user ? "user" : "group";
 }
 
-OSStatus volumeOfPath(const std::string &path, FSVolumeRefNum &volume)
-{
-    FSRef ref;
-    FSCatalogInfo catalog = {};
-    OSStatus result = findObject(path, Links::follow, ref);
-    if (result == noErr)
-        result = FSGetCatalogInfo(&ref, kFSCatInfoVolume, &catalog, nullptr, nullptr, nullptr);
-    volume = catalog.volume;
-    return result;
-}
-
 OSErr nameOfNumber(const Plugin &plugin, FSVolumeRefNum volume, People people, UInt32 number, std::string &name)
 {
     Str31 pascal = {};

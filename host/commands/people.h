@@ -18,9 +18,6 @@ enum class People
 
 const char *wordFor(People people);   // "user", "group"
 
-// The volume that an object lies on. Result: noErr; the code of the look-up.
-OSStatus volumeOfPath(const std::string &path, FSVolumeRefNum &volume);
-
 // Result: noErr; fnfErr if nobody has the number, or the name; the file manager's code.
 OSErr nameOfNumber(const Plugin &plugin, FSVolumeRefNum volume, People people, UInt32 number, std::string &name);
 OSErr numberOfName(const Plugin &plugin, FSVolumeRefNum volume, People people, const std::string &name, UInt32 &number);

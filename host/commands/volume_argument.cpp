@@ -41,7 +41,9 @@ OSErr volumeNamed(const std::string &name, FSVolumeRefNum &volume)
     }
 }
 
-OSErr volumeOfPath(const std::string &path, FSVolumeRefNum &volume)
+}   // namespace
+
+OSStatus volumeOfPath(const std::string &path, FSVolumeRefNum &volume)
 {
     FSRef ref;
     FSCatalogInfo catalog = {};
@@ -50,12 +52,10 @@ OSErr volumeOfPath(const std::string &path, FSVolumeRefNum &volume)
         result = FSGetCatalogInfo(&ref, kFSCatInfoVolume, &catalog, nullptr, nullptr, nullptr);
     if (result == noErr)
         volume = catalog.volume;
-    return static_cast<OSErr>(result);
+    return result;
 }
 
-}   // namespace
-
-OSErr findVolume(const std::string &text, FSVolumeRefNum &volume)
+OSStatus findVolume(const std::string &text, FSVolumeRefNum &volume)
 {
     if (isNumber(text))
         return volumeNumbered(text, volume);

@@ -9,6 +9,9 @@ namespace host
 {
 
 // A number, a path of anything on it (with a '/' in it), or its name. `volume` is written only on success.
-OSErr findVolume(const std::string &text, FSVolumeRefNum &volume);
+OSStatus findVolume(const std::string &text, FSVolumeRefNum &volume);
+
+// The volume that an object lies on, likewise.
+OSStatus volumeOfPath(const std::string &path, FSVolumeRefNum &volume);
 
 }   // namespace host

@@ -227,7 +227,7 @@ void askAboutSome(Invocation &invocation, const Options &options, std::vector<Vo
     {
         VolumeSheet sheet;
         FSVolumeRefNum number = 0;
-        OSErr result = findVolume(text, number);
+        OSStatus result = findVolume(text, number);
         if (result == noErr)
             result = askAbout(invocation.plugin, number, sheet);
         if (result != noErr)

@@ -3,6 +3,7 @@
 
 #include "host/catalog_json.h"
 #include "host/commands/people.h"
+#include "host/commands/volume_argument.h"
 #include "host/text.h"
 
 #include "platform/results.h"

@@ -36,15 +36,29 @@ struct Keeper
 constinit Keeper keeper;
 static_assert(std::is_trivially_destructible_v<Keeper>);
 
-// How many descriptors stay.
-std::size_t closeIdleFolders()
+// A child must not get a table that this thread, which the child lacks, has locked for ever.
+void waitWithForkUntilItRests()
 {
-    const std::lock_guard lock(keeper.looking);
-    const std::int64_t usedBefore = linux_calls::coarseMilliseconds() - longestIdleMilliseconds;
-    std::size_t left = closeIdleRoots(usedBefore);
-    left += closeIdleDirectories(usedBefore);
-    left += closeIdleLevels(usedBefore);
-    return left + forgetIdleLockDescriptors();
+    keeper.looking.lock();
+    keeper.mutex.lock();
+}
+
+void goOnInParent()
+{
+    keeper.mutex.unlock();
+    keeper.looking.unlock();
+}
+
+void goOnInChild()
+{
+    keeper.wasNoted = false;
+    goOnInParent();
+}
+
+void watchForks()
+{
+    static const int registered = ::pthread_atfork(waitWithForkUntilItRests, goOnInParent, goOnInChild);
+    (void)registered;
 }
 
 bool mayEnd(std::size_t left)
@@ -90,37 +104,23 @@ bool startThread()
 
 }   // namespace
 
-namespace
+std::size_t closeIdleFolders()
 {
-
-// A child must not get a table that this thread, which the child lacks, has locked for ever.
-void waitWithForkUntilItRests()
-{
-    keeper.looking.lock();
-    keeper.mutex.lock();
+    watchForks();
+    const std::lock_guard lock(keeper.looking);
+    const std::int64_t usedBefore = linux_calls::coarseMilliseconds() - longestIdleMilliseconds;
+    std::size_t left = closeIdleRoots(usedBefore);
+    left += closeIdleDirectories(usedBefore);
+    left += closeIdleLevels(usedBefore);
+    return left + forgetIdleLockDescriptors();
 }
-
-void goOnInParent()
-{
-    keeper.mutex.unlock();
-    keeper.looking.unlock();
-}
-
-void goOnInChild()
-{
-    keeper.wasNoted = false;
-    goOnInParent();
-}
-
-}   // namespace
 
 // A walk says it for each folder, and mostly it was said already: then the thread will look once more anyway.
 void noteKeptFolder()
 {
     if (keeper.wasNoted)
         return;
-    static const int registered = ::pthread_atfork(waitWithForkUntilItRests, goOnInParent, goOnInChild);
-    (void)registered;
+    watchForks();
     const std::lock_guard lock(keeper.mutex);
     const pid_t process = ::getpid();
     keeper.wasNoted = true;

@@ -4,6 +4,7 @@
 // volumes are none of its business: those stay mounted anyway.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace standin
@@ -13,5 +14,9 @@ constexpr std::int64_t longestIdleMilliseconds = 1000;
 
 // Says that a descriptor on a mounted disk is kept from now on. A table that keeps descriptors may be locked meanwhile.
 void noteKeptFolder();
+
+// What the thread does each time it looks: gives up what is idle. Gives how many descriptors stay. fork() waits until it is done: a child would get
+// tables locked for ever, by a thread that it lacks.
+std::size_t closeIdleFolders();
 
 }   // namespace standin

@@ -5,6 +5,8 @@
 #include <unicode/ucnv.h>
 #include <unicode/utf16.h>
 
+#include <utility>
+
 namespace standin
 {
 
@@ -142,6 +144,22 @@ TakenCode takeCode(const CodeTable &table, std::string_view text)
     }
     const char16_t character = table.characterOf(code);
     return {character == noCharacter ? CodeProblem::unassigned : CodeProblem::none, length, character};
+}
+
+bool unicodeFromCodes(const CodeTable &table, std::string_view text, std::u16string &unicode)
+{
+    std::u16string converted;
+    converted.reserve(text.size());
+    while (!text.empty())
+    {
+        const TakenCode taken = takeCode(table, text);
+        if (taken.problem != CodeProblem::none)
+            return false;
+        converted.push_back(taken.character);
+        text.remove_prefix(taken.length);
+    }
+    unicode = std::move(converted);
+    return true;
 }
 
 void appendCode(unsigned code, std::string &bytes)

@@ -101,6 +101,9 @@ struct TakenCode
 
 TakenCode takeCode(const CodeTable &table, std::string_view text);   // of a text that is not empty
 
+// The characters of a whole text. False if any code has none or is broken; `unicode` is then untouched.
+bool unicodeFromCodes(const CodeTable &table, std::string_view text, std::u16string &unicode);
+
 // Appends the code of each unit. False if any has none; `bytes` is then as it was.
 bool appendCodes(const CodeTable &table, std::u16string_view text, std::string &bytes);
 void appendCode(unsigned code, std::string &bytes);

@@ -103,19 +103,7 @@ const CodeTable *tableOf(CFStringEncoding encoding)
 bool fromCodes(std::string_view bytes, CFStringEncoding encoding, std::u16string &unicode)
 {
     const CodeTable *table = tableOf(encoding);
-    std::u16string converted;
-    if (!table)
-        return false;
-    for (std::string_view rest = bytes; !rest.empty();)
-    {
-        const TakenCode taken = takeCode(*table, rest);
-        if (taken.problem != CodeProblem::none)
-            return false;
-        converted.push_back(taken.character);
-        rest.remove_prefix(taken.length);
-    }
-    unicode = std::move(converted);
-    return true;
+    return table != nullptr && unicodeFromCodes(*table, bytes, unicode);
 }
 
 // The converter knows what belongs together, and which letters an encoding has only apart.

@@ -36,19 +36,7 @@ TextEncoding systemEncoding()
 
 bool unicodeFromSystemText(std::string_view text, std::u16string &unicode)
 {
-    const CodeTable &table = systemTable();
-    std::u16string converted;
-    converted.reserve(text.size());
-    for (std::string_view rest = text; !rest.empty();)
-    {
-        const TakenCode taken = takeCode(table, rest);
-        if (taken.problem != CodeProblem::none)
-            return false;
-        converted.push_back(taken.character);
-        rest.remove_prefix(taken.length);
-    }
-    unicode = std::move(converted);
-    return true;
+    return unicodeFromCodes(systemTable(), text, unicode);
 }
 
 bool systemTextFromUnicode(std::u16string_view unicode, std::string &text)
