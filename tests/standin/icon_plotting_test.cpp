@@ -250,13 +250,15 @@ TEST_F(IconPlotting, DisabledIconsFadeToTheBackgroundColour)
 
 TEST_F(IconPlotting, TheForegroundColourDoesNotMatter)
 {
-    ForeColor(redColor);
+    const RGBColor color = {0x1234, 0x5678, 0x9ABC};
+    RGBForeColor(&color);
     EXPECT_EQ(plot(oneBitID, {0, 0, 32, 32}), noErr);
     EXPECT_EQ(at(0, 0), 0xFF000000);
-    RGBColor color = {};
-    GetForeColor(&color);
-    EXPECT_EQ(color.red, 0xDDDD & color.red) << "and is left alone";
-    EXPECT_NE(color.red, 0);
+    RGBColor later = {};
+    GetForeColor(&later);
+    EXPECT_EQ(later.red, color.red);
+    EXPECT_EQ(later.green, color.green);
+    EXPECT_EQ(later.blue, color.blue);
 }
 
 // Buttons go from one look to another and back, over and over in the same place.
