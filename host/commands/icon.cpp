@@ -126,7 +126,7 @@ void drawFromList(Invocation &invocation, const Options &options)
     savePicture(invocation, GetWindowPort(window.window()), options.picture);
 }
 
-// The number of a picture is not looked at by the plug-in.
+// The plug-in looks neither at the number of a picture nor whether the list is there and can be read.
 void drawSmallIcon(Invocation &invocation, const Options &options, const IconResources &icons)
 {
     const auto list =
@@ -139,6 +139,8 @@ void drawSmallIcon(Invocation &invocation, const Options &options, const IconRes
     else if (*options.smallIcon >= list->pictures)
         invocation.report.problem(options.path,
                                   "list " + options.id + " has " + std::to_string(list->pictures) + " pictures, which are numbered from 0");
+    else if (GetResource(smallIconListType, list->id) == nullptr)
+        invocation.report.failure(options.path, ResError(), "reading list " + options.id);
     else
         drawFromList(invocation, options);
 }

@@ -123,6 +123,18 @@ TEST_F(HostIcons, ADamagedStringIsNoLabelToFallOver)
     EXPECT_EQ(drawn({"icon", "Short.rsrc", "2"}).width, 32);
 }
 
+TEST_F(HostIcons, AListThatCannotBeReadIsTold)
+{
+    TestResource list = arrowList(5, 2);
+    std::copy_n("\xA8\x9F\x65\x72", 4, list.bytes.begin());   // what compressed resources begin with
+    list.attributes = 0x01;
+    makeFork("Compressed.rsrc", {list, pageMember(code("icl8"), 5)});
+    const Outcome outcome = zerb({"icon", "--sicn", "1", "-o", "x.png", "Compressed.rsrc", "5"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("reading list 5: badExtResource (-185)"));
+    EXPECT_GT(inkOf(drawn({"icons", "Compressed.rsrc"})), 100) << "the sheet has the rest";
+}
+
 TEST_F(HostIcons, LooksAndBackgroundReachTheIcon)
 {
     makeFork("Plain.rsrc", {plainMember(code("icl8"), 1, 0), plainMember(code("ics8"), 1, 0)});
