@@ -319,7 +319,7 @@ TEST_F(ResourceHandles, TemplatesHaveTheMachinesByteOrder)
     EXPECT_EQ(record.procID, 4);
     EXPECT_EQ(record.visible, 1);
     EXPECT_EQ(record.goAwayFlag, 1);
-    EXPECT_EQ(record.refCon, 0x12345678);
+    EXPECT_EQ(SInt32{record.refCon}, 0x12345678);   // not aligned in the record
     EXPECT_EQ(record.itemsID, 129);
     EXPECT_EQ(record.title[1], 'H');
     AlertTemplate alertRecord{};
