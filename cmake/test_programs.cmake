@@ -9,7 +9,7 @@ include_guard(GLOBAL)
 # How the tests' own code is compiled, whatever the preset does to what it tests: optimised and sanitized, tests take
 # three times as long to compile and find no more. The thread sanitizer alone has to see how the tests' threads meet.
 # In the release and asan presets the commands are the same word for word, so that ./check compiles each test once.
-# GoogleTest's header, which every test takes, is compiled once a target.
+# GoogleTest's header, which every test takes, and the largest of the standard library are compiled once a target.
 add_library(zerb_test_code INTERFACE)
 target_link_libraries(zerb_test_code INTERFACE zerb_warnings)
 if(NOT ZERB_PRESET STREQUAL "debug")
@@ -18,7 +18,7 @@ endif()
 if(ZERB_PRESET STREQUAL "tsan")
     target_compile_options(zerb_test_code INTERFACE ${sanitizerFlags})
 endif()
-target_precompile_headers(zerb_test_code INTERFACE <gtest/gtest.h>)
+target_precompile_headers(zerb_test_code INTERFACE <algorithm> <filesystem> <functional> <sstream> <gtest/gtest.h>)
 
 # What a test must know of the build that it runs in; see the header.
 add_library(how_built STATIC ${PROJECT_SOURCE_DIR}/tests/how_built.cpp)
