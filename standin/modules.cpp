@@ -1,6 +1,11 @@
 #include "standin/modules.h"
 
+#include "standin/files/linux_calls.h"
+
+#include <array>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <link.h>
 
 namespace standin
 {
@@ -10,13 +15,28 @@ namespace
 
 thread_local std::string problem;
 
-// The folder that the stand-in itself was loaded from, with its closing slash.
-std::string ownFolder()
+std::string programPath()
+{
+    std::array<char, 4096> path{};
+    const ssize_t length = linux_calls::readLink(AT_FDCWD, "/proc/self/exe", path);
+    return std::string(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+}
+
+// Where the stand-in itself was loaded from. Of a program that it is a part of, the loader knows only what its caller made up.
+std::string ownPath()
 {
     Dl_info own{};
-    if (dladdr(reinterpret_cast<const void *>(&moduleFunction), &own) == 0 || own.dli_fname == nullptr)
+    link_map *map = nullptr;
+    if (dladdr1(reinterpret_cast<const void *>(&moduleFunction), &own, reinterpret_cast<void **>(&map), RTLD_DL_LINKMAP) == 0 ||
+        map == nullptr)
         return {};
-    const std::string path = own.dli_fname;
+    return map->l_name != nullptr && map->l_name[0] != '\0' ? map->l_name : programPath();
+}
+
+// With its closing slash.
+std::string ownFolder()
+{
+    const std::string path = ownPath();
     return path.substr(0, path.rfind('/') + 1);
 }
 

@@ -100,8 +100,8 @@ const TextPart shortenPart = {
     "shorten",
     "Cut names to a width in pixels",
     "A name that is too wide loses characters at its end until it fits with an ellipsis behind it; one space's\n"
-    "width is kept in reserve. If the ellipsis alone would be left, the result is empty. Every character is\n"
-    "6 pixels wide.\n",
+    "width is kept in reserve. If the ellipsis alone would be left, the result is empty. Characters are as\n"
+    "wide as they are drawn: in DejaVu Sans at 12 pixels, or the family that ZERB_FONT names.\n",
     "  zerb text shorten --width 90 'Quarterly report for the board'\n"
     "  ls | zerb text shorten --width 90\n"
     "  zerb text shorten --width 90 --json *.txt\n",

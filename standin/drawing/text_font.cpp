@@ -84,7 +84,8 @@ void TextFont::fillBytes()
     {
         const char16_t character = table_.isLead(static_cast<std::uint8_t>(byte)) ? noCharacter : table_.characterOf(byte);
         bytes_[byte] = std::make_shared<const Glyph>(glyphOf(character));
-        info_.widMax = static_cast<SInt16>(std::max<int>(info_.widMax, bytes_[byte]->advance));
+        advances_[byte] = bytes_[byte]->advance;
+        info_.widMax = static_cast<SInt16>(std::max<int>(info_.widMax, advances_[byte]));
     }
 }
 
@@ -119,11 +120,12 @@ TextFont::Character TextFont::firstCharacter(std::string_view text)
 int TextFont::widthOf(std::string_view text)
 {
     int width = 0;
-    while (!text.empty())
+    for (std::size_t place = 0; place < text.size();)
     {
-        const Character character = firstCharacter(text);
-        width += character.glyph->advance;
-        text.remove_prefix(character.length);
+        const auto byte = static_cast<std::uint8_t>(text[place]);
+        const Character character = table_.isLead(byte) ? firstCharacter(text.substr(place)) : Character{1, nullptr};
+        width += character.glyph != nullptr ? character.glyph->advance : advances_[byte];
+        place += character.length;
     }
     return width;
 }

@@ -50,6 +50,7 @@ private:
     std::string problem_;
     FontInfo info_{};
     std::array<std::shared_ptr<const Glyph>, 256> bytes_;
+    std::array<int, 256> advances_{};   // of the same
 
     std::mutex pairsMutex_;   // guards the font too, once `bytes_` is full
     std::unordered_map<char16_t, std::shared_ptr<const Glyph>> pairs_;

@@ -1,9 +1,11 @@
-// Widths of text in the port of fixed width that stands in for fonts.
+// Widths of text in the font of the ports. Nothing here depends on which font that is.
 #include "platform/drawing.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <thread>
+#include <vector>
 
 namespace
 {
@@ -18,10 +20,16 @@ SInt16 widthOf(int length, int code)
     return StringWidth(text);
 }
 
-TEST(TextWidths, EveryCharacterIsSixPixelsWide)
+TEST(TextWidths, VisibleCharactersAreWideAndControlCharactersAreNot)
 {
     for (int code = 0; code < 256; ++code)
-        EXPECT_EQ(CharWidth(static_cast<SInt16>(code)), 6) << code;
+    {
+        const int width = CharWidth(static_cast<SInt16>(code));
+        const bool isControl = code < 0x20 || code == 0x7F, isUpper = code > 0x7F;   // some of those may be marks that take no place
+        EXPECT_EQ(width == 0, isControl || (isUpper && width == 0)) << code;
+        EXPECT_GE(width, 0) << code;
+        EXPECT_LE(width, 128) << code;
+    }
 }
 
 TEST(TextWidths, ACharacterThatCameAsANegativeCharIsAsWide)
@@ -33,13 +41,39 @@ TEST(TextWidths, ACharacterThatCameAsANegativeCharIsAsWide)
 TEST(TextWidths, AStringIsAsWideAsItsCharacters)
 {
     for (int length : {0, 1, 2, 5, 31, 127, 128, 254, 255})
-        for (int code : {0x00, 0x20, 0x69, 0x7F, 0x80, 0xC9, 0xFF})
+        for (int code = 0; code < 256; ++code)
             EXPECT_EQ(widthOf(length, code), length * CharWidth(static_cast<SInt16>(code))) << length << " of " << code;
 }
 
-TEST(TextWidths, TheLongestStringFitsInSixteenBits)
+TEST(TextWidths, NeighboursDoNotMoveTogether)
 {
-    EXPECT_EQ(widthOf(255, 'W'), 1530);
+    Str255 all = {255};
+    int sum = 0;
+    for (int code = 1; code < 256; ++code)
+    {
+        all[code] = static_cast<unsigned char>(code * 83);   // each once, in a mixed order, AV and To among them
+        sum += CharWidth(static_cast<SInt16>(all[code]));
+    }
+    EXPECT_EQ(StringWidth(all), sum);
+    for (int one = 0x20; one < 0x7F; ++one)
+        for (int other = 0x20; other < 0x7F; ++other)
+        {
+            const unsigned char pair[] = {2, static_cast<unsigned char>(one), static_cast<unsigned char>(other)};
+            ASSERT_EQ(StringWidth(pair), CharWidth(static_cast<SInt16>(one)) + CharWidth(static_cast<SInt16>(other)))
+                << one << ", " << other;
+        }
+}
+
+TEST(ThreadsTextWidths, ManyThreadsMeasureTheSame)
+{
+    std::vector<int> widths(8);
+    std::vector<std::thread> threads;
+    for (int &width : widths)
+        threads.emplace_back([&width] { width = widthOf(255, 'm'); });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (int width : widths)
+        EXPECT_EQ(width, 255 * CharWidth('m'));
 }
 
 }   // namespace

@@ -309,8 +309,8 @@ const TextUsageCase usageCases[] = {
     {"TwoKinds", {"to-number", "--hex", "--fraction", "1"}, "--fraction excludes --hex"},
     {"RawJson", {"decode", "--raw", "--json", "00"}, "--json excludes --raw"},
     {"NoWidth", {"shorten", "x"}, "--width is required"},
-    {"WidthZero", {"shorten", "--width", "0", "x"}, "--width: 0 pixels are too narrow: a space and an ellipsis take 12"},
-    {"WidthOfAnEllipsisWithoutTheSpace", {"shorten", "--width", "11", "x"}, "11 pixels are too narrow"},
+    {"WidthZero", {"shorten", "--width", "0", "x"}, "--width: 0 pixels are too narrow: a space and an ellipsis take "},
+    {"WidthOfOnePixel", {"shorten", "--width", "1", "x"}, "1 pixels are too narrow"},
     {"WidthNegative", {"shorten", "--width=-90", "x"}, "\"-90\" is not a number"},
     {"WidthTooLarge", {"shorten", "--width", "32768", "x"}, "\"32768\" is not a number from 0 to 32767"},
 };
