@@ -201,15 +201,15 @@ void useResourceFile(const ResourceFile &file)
 OSErr itemSize(const ResourceFile &file, const ResourceEntry &entry, std::uint32_t &size)
 {
     std::uint8_t bytes[4];
-    const std::uint64_t place = std::uint64_t{file.header.dataOffset} + entry.dataOffset;
-    if (place + sizeof bytes > file.size)
+    const auto place = itemPlace(file.header, entry, file.size);
+    if (!place)
         return badExtResource;
-    if (OSErr result = readBytes(file.number, file.start + place, bytes))
+    if (OSErr result = readBytes(file.number, file.start + *place, bytes))
         return result == eofErr ? static_cast<OSErr>(badExtResource) : result;
-    const std::uint32_t told = readBig32(bytes);
-    if (told > file.size - place - sizeof bytes)
+    const auto length = itemLength(bytes, *place, file.size);
+    if (!length)
         return badExtResource;
-    size = told;
+    size = *length;
     return noErr;
 }
 

@@ -157,6 +157,18 @@ std::string_view ResourceMap::nameOf(const ResourceEntry &entry) const
     return {reinterpret_cast<const char *>(bytes_.data()) + offset + 1, length};
 }
 
+std::optional<std::uint64_t> itemPlace(const ResourceHeader &header, const ResourceEntry &entry, std::uint64_t forkSize)
+{
+    const std::uint64_t place = std::uint64_t{header.dataOffset} + entry.dataOffset;
+    return place + 4 <= forkSize ? std::optional(place) : std::nullopt;
+}
+
+std::optional<std::uint32_t> itemLength(std::span<const std::uint8_t, 4> bytes, std::uint64_t place, std::uint64_t forkSize)
+{
+    const std::uint32_t length = readBig32(bytes.data());
+    return length <= forkSize - place - 4 ? std::optional(length) : std::nullopt;
+}
+
 bool sameResourceName(std::string_view one, std::string_view other)
 {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) { return folded(a) == folded(b); });

@@ -88,6 +88,12 @@ private:
     std::unordered_map<std::uint64_t, std::uint32_t> entryNumbers_;   // by type and ID
 };
 
+// Where the length of an entry's item lies in a fork of so many bytes, 4 bytes of it; the item's own bytes follow. Nothing if they do not lie in the fork.
+std::optional<std::uint64_t> itemPlace(const ResourceHeader &header, const ResourceEntry &entry, std::uint64_t forkSize);
+
+// The length, from those 4 bytes. Nothing if the item does not lie whole in the fork.
+std::optional<std::uint32_t> itemLength(std::span<const std::uint8_t, 4> bytes, std::uint64_t place, std::uint64_t forkSize);
+
 // Names are equal if they differ in upper and lower case alone, letters with marks included.
 bool sameResourceName(std::string_view one, std::string_view other);
 

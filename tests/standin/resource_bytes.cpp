@@ -118,7 +118,7 @@ Bytes appleSingle(const Bytes &data, const Bytes &fork)
     return file;
 }
 
-Bytes macBinary(const Bytes &data, const Bytes &fork, int version)
+Bytes macBinary(const Bytes &data, const Bytes &fork, int version, std::size_t secondHeader)
 {
     Bytes file(128);
     file[1] = 4;
@@ -126,6 +126,7 @@ Bytes macBinary(const Bytes &data, const Bytes &fork, int version)
     std::memcpy(file.data() + 65, "rsrcRSED", 8);
     setBig(file, 83, data.size(), 4);
     setBig(file, 87, fork.size(), 4);
+    setBig(file, 120, secondHeader, 2);
     if (version == 3)
         std::memcpy(file.data() + 102, "mBIN", 4);
     if (version >= 2)
@@ -134,6 +135,8 @@ Bytes macBinary(const Bytes &data, const Bytes &fork, int version)
         file[123] = 129;
         setBig(file, 124, crc(file, 124), 2);
     }
+    append(file, Bytes(secondHeader, 0xEE));
+    padTo(file, 128);
     append(file, data);
     padTo(file, 128);
     append(file, fork);

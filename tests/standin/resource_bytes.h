@@ -33,7 +33,7 @@ void setBig(Bytes &bytes, std::size_t at, std::uint64_t value, int width);
 
 // Other forms in which a fork travels.
 Bytes appleSingle(const Bytes &data, const Bytes &fork);
-Bytes macBinary(const Bytes &data, const Bytes &fork, int version = 2);
+Bytes macBinary(const Bytes &data, const Bytes &fork, int version = 2, std::size_t secondHeader = 0);
 
 // A file with these bytes in its resource fork, or in its data fork.
 FSRef fileWithFork(TemporaryFolder &folder, const std::string &name, const Bytes &fork);
