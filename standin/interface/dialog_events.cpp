@@ -119,22 +119,18 @@ bool closes(DialogRef dialog, const EventRecord &event)
 namespace standin
 {
 
-// The release goes with the press. Where it was decides, as far as it is known.
 bool trackControl(OpaqueDialogPtr &dialog, DialogItemIndex number)
 {
     const Rect box = dialog.items[static_cast<std::size_t>(number - 1)].box;
+    const auto isInside = [&](Point where) { return PtInRect(localPoint(dialog, where), &box) != 0; };
     bool isPressed = true;
     drawItem(dialog, number, isPressed);
-    while (StillDown())
-    {
-        const bool isInside = PtInRect(localPoint(dialog, mouseNow().where), &box);
-        if (isInside != isPressed)
-            drawItem(dialog, number, isPressed = isInside);
-    }
-    EventRecord release;
-    const bool wasTaken = !eventIsWaiting(mDownMask) && takeEvent(mUpMask, release);
+    const Point release = placeOfRelease([&](Point where) {
+        if (isInside(where) != isPressed)
+            drawItem(dialog, number, isPressed = isInside(where));
+    });
     drawItem(dialog, number, false);
-    return PtInRect(localPoint(dialog, wasTaken ? release.where : mouseNow().where), &box);
+    return isInside(release);
 }
 
 }   // namespace standin

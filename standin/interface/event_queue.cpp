@@ -175,6 +175,15 @@ bool isStillDown()
     return mouseNow().isDown && !eventIsWaiting(mDownMask | mUpMask);
 }
 
+Point placeOfRelease(const std::function<void(Point)> &moved)
+{
+    for (pump(); isStillDown(); pump())
+        moved(mouseNow().where);
+    EventRecord release;
+    const bool isNext = peekEvent(mDownMask | mUpMask, release) && release.what == mouseUp;
+    return isNext && takeEvent(mUpMask, release) ? release.where : mouseNow().where;
+}
+
 bool isQuit(const EventRecord &event)
 {
     return event.what == kHighLevelEvent && event.message == kCoreEventClass;

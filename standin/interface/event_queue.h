@@ -3,6 +3,8 @@
 
 #include "standin/interface/screen.h"
 
+#include <functional>
+
 namespace standin
 {
 
@@ -18,8 +20,11 @@ void forgetEvents();                                 // all of them
 void forgetEvents(EventMask mask, EventMask stop);   // of these kinds, before the first one of a kind in `stop`
 void forgetEventsOf(WindowRef window);               // which does not exist any more
 MouseState mouseNow();                               // as the last pump found it
-bool isStillDown();                                  // likewise: held, and no press or release waits to be taken
-bool quitIsWaiting();                                // the program is to end, so whoever waits for an answer gives up
+
+// Follows the mouse, which was pressed, until its release, and takes that. Result: where it was, as far as that is known.
+Point placeOfRelease(const std::function<void(Point)> &moved);
+bool isStillDown();     // likewise: held, and no press or release waits to be taken
+bool quitIsWaiting();   // the program is to end, so whoever waits for an answer gives up
 bool isQuit(const EventRecord &event);
 EventRecord eventOf(EventKind kind, const MouseState &mouse, UInt32 when);   // with no message
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 namespace standin
 {
@@ -19,7 +20,7 @@ namespace
 
 struct Choice
 {
-    Screen *screen = nullptr;   // stays until the process ends, as windows may
+    Screen *screen = nullptr;
     bool isQuiet = false;
     std::string problem;   // why there is no display
 };
@@ -39,6 +40,13 @@ bool isSet(const char *variable)
 bool hasDisplay()
 {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("SDL_VIDEODRIVER");
+}
+
+// A screen stays until the process ends: there may be windows that were made on it.
+Screen *kept(std::unique_ptr<Screen> screen)
+{
+    static auto &screens = *new std::vector<std::unique_ptr<Screen>>;
+    return screens.emplace_back(std::move(screen)).get();
 }
 
 Screen *screenOfDisplay(std::string &problem)
@@ -82,7 +90,7 @@ Screen &theScreen()
         chosen.screen = screenOfDisplay(chosen.problem);
     if (chosen.screen == nullptr)
     {
-        chosen.screen = new QuietScreen;
+        chosen.screen = kept(std::make_unique<QuietScreen>());
         chosen.isQuiet = true;
     }
     return *chosen.screen;
@@ -101,7 +109,7 @@ std::string useScriptedScreen(const std::string &text)
     if (!problem.empty())
         return problem;
     forgetEvents();
-    choice() = {new ScriptedScreen(std::move(script)), false, ""};
+    choice() = {kept(std::make_unique<ScriptedScreen>(std::move(script))), false, ""};
     return "";
 }
 

@@ -196,7 +196,5 @@ Boolean TrackGoAway(WindowRef window, Point)
         forgetEvents(mUpMask, mDownMask);
         return true;
     }
-    while (StillDown())
-        continue;
-    return partAt(*window, mouseNow().where) == inGoAway;
+    return partAt(*window, placeOfRelease([](Point) {})) == inGoAway;
 }
