@@ -142,6 +142,12 @@ protected:
         ASSERT_TRUE(shows(folderPixel, folderColor)) << told();
     }
 
+    void TearDown() override
+    {
+        if (HasFailure())
+            ADD_FAILURE() << "the host told: " << told();
+    }
+
     std::string told() const
     {
         std::ifstream file(path("told"));

@@ -31,6 +31,19 @@ EventModifiers modifiersNow()
                                        when(KMOD_GUI, cmdKey) | when(KMOD_CAPS, alphaLock));
 }
 
+// SDL's own waiting goes wrong when a window was closed meanwhile: it wakes itself up by a message to that window, which ends the program.
+void awaitEvent(Uint64 milliseconds)
+{
+    constexpr Uint64 mostAtOnce = 5;
+    for (const Uint64 end = SDL_GetTicks64() + milliseconds; SDL_GetTicks64() < end;)
+    {
+        SDL_PumpEvents();
+        if (SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT))
+            return;
+        SDL_Delay(static_cast<Uint32>(std::min(mostAtOnce, milliseconds)));
+    }
+}
+
 struct KeyCharacter
 {
     SDL_Keycode key;
@@ -161,7 +174,7 @@ void SdlScreen::present(ScreenWindow window, const Pixel *pixels, int width, con
 void SdlScreen::poll()
 {
     if (SDL_GetTicks64() - lastPoll_ < millisecondsBetweenPolls)
-        SDL_WaitEventTimeout(nullptr, static_cast<int>(millisecondsBetweenPolls));
+        awaitEvent(millisecondsBetweenPolls);
     takeEvents();
     if (!popUps_.empty())
         captureMouse();
@@ -182,7 +195,7 @@ void SdlScreen::captureMouse()
 void SdlScreen::wait(UInt32 ticks)
 {
     constexpr UInt32 mostTicks = 60 * 60;
-    SDL_WaitEventTimeout(nullptr, static_cast<int>(std::min(ticks, mostTicks) * 1000 / 60 + 1));
+    awaitEvent(std::min(ticks, mostTicks) * 1000 / 60 + 1);
 }
 
 void SdlScreen::takeEvents()
