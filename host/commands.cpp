@@ -38,6 +38,8 @@ const Command *const commandOrder[] = {
     &colonCommand,
     &newCommand,
     &catCommand,
+    &iconCommand,
+    &iconsCommand,
     &dialogCommand,
     &textCommand,
 };

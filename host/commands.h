@@ -16,6 +16,8 @@ extern const Command dialogCommand;
 extern const Command findCommand;
 extern const Command folderCommand;
 extern const Command forksCommand;
+extern const Command iconCommand;
+extern const Command iconsCommand;
 extern const Command idCommand;
 extern const Command infoCommand;
 extern const Command lsCommand;

@@ -138,6 +138,7 @@ void takeFolderFunctions(void *library, Plugin &plugin)
 
 void takeDialogFunctions(void *library, Plugin &plugin)
 {
+    takeTyped(library, "DrawSICN", plugin.DrawSICN);
     takeTyped(library, "MyDrawIconInSuite", plugin.MyDrawIconInSuite);
     takeTyped(library, "MyDrawIconButton", plugin.MyDrawIconButton);
     takeTyped(library, "ZerbCenterDialog", plugin.ZerbCenterDialog);

@@ -86,6 +86,7 @@ struct Plugin
     decltype(&::FSpDelete2) FSpDelete2;
     decltype(&::ZerbMakeWritableByAll) ZerbMakeWritableByAll;
 
+    decltype(&::DrawSICN) DrawSICN;
     decltype(&::MyDrawIconInSuite) MyDrawIconInSuite;
     decltype(&::MyDrawIconButton) MyDrawIconButton;
     decltype(&::ZerbCenterDialog) ZerbCenterDialog;

@@ -14,7 +14,7 @@ namespace standin
 // one is whole. `path` is one of Linux, absolute or from the current directory, and its folders have to be there.
 // Result: noErr; paramErr for a null port, a path that names no file, a scale below 1, or if it would be more than 64 million pixels;
 // memFullErr; ioErr without the part that writes pictures (screenProblem tells); the code of why the file could not be written, such as
-// fnfErr without the folder, permErr, dskFulErr.
+// fnfErr without the folder, afpAccessDenied, dskFulErr.
 OSErr savePicture(GrafPtr port, const std::string &path, int scale = 1);
 
 // Why text is not drawn in the font that was asked for, or pictures cannot be saved, in one sentence without a full stop; null if all is well.

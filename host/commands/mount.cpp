@@ -48,7 +48,7 @@ void save(Invocation &invocation, const SaveOptions &options)
 {
     std::vector<char> record;
     OutputFile output;
-    if (OSErr result = recordOf(invocation.plugin, options.volume, record))
+    if (OSStatus result = recordOf(invocation.plugin, options.volume, record))
     {
         invocation.report.failure(options.volume, result, "saving how it is mounted");
         if (result == paramErr)

@@ -152,7 +152,7 @@ OSStatus locateTriple(const Plugin &plugin, const Options &options, Location &lo
     location.hasName = options.words.size() > 2;
     if (location.hasName)
         result = shortNameOf(plugin, options.words[2], location.spec.name);
-    return result == noErr ? makePath(plugin, location) : result;
+    return result == noErr ? OSStatus{makePath(plugin, location)} : result;
 }
 
 std::string joinedWords(const std::vector<std::string> &words)
@@ -168,7 +168,7 @@ void showTriple(Invocation &invocation, const Options &options)
     std::string words = joinedWords(options.words);
     Location location;
     Json list = Json::array();
-    OSErr result = locateTriple(invocation.plugin, options, location);
+    OSStatus result = locateTriple(invocation.plugin, options, location);
     if (result == noErr && !options.json)
         std::printf("%s\n", printable(location.path).c_str());
     if (result == noErr)

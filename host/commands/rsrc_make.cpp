@@ -11,10 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 #include <unistd.h>
 
 namespace host
@@ -32,13 +29,12 @@ struct Options
 // False if it cannot be read, errno tells.
 bool readDescription(const std::string &name, std::string &text)
 {
-    std::ifstream file(name == standardStream ? "/dev/stdin" : name, std::ios::binary);
-    std::ostringstream content;
-    errno = 0;
-    if (!file || !(content << file.rdbuf()))
-        return file.eof() && errno == 0;   // a file without a byte gives none
-    text = content.str();
-    return true;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(
+        name == standardStream ? fdopen(dup(STDIN_FILENO), "rb") : std::fopen(name.c_str(), "rb"), std::fclose);
+    char piece[4096];
+    while (file && !std::feof(file.get()) && !std::ferror(file.get()))
+        text.append(piece, std::fread(piece, 1, sizeof piece, file.get()));
+    return file && !std::ferror(file.get());
 }
 
 // A file that is there is replaced only by one that was written whole.
@@ -84,7 +80,7 @@ void make(Invocation &invocation, const Options &options)
 {
     std::string text;
     if (!readDescription(options.description, text))
-        return invocation.report.problem(options.description, errno ? std::strerror(errno) : "cannot be read");
+        return invocation.report.problem(options.description, std::strerror(errno));
     try
     {
         const std::string bytes = resourceFileBytes(resourcesFromDescription(text));

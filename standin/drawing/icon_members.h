@@ -19,7 +19,7 @@ struct IconMemberKind
     int bitsPerPixel;             // 1, 4 or 8; the members of 1 bit have a mask too, which serves all members of that side
 };
 
-constexpr IconMemberKind iconMemberKinds[] = {
+inline constexpr IconMemberKind iconMemberKinds[] = {
     {0x49434E23 /* ICN# */, svLarge1Bit, 32, 1}, {0x69636C34 /* icl4 */, svLarge4Bit, 32, 4}, {0x69636C38 /* icl8 */, svLarge8Bit, 32, 8},
     {0x69637323 /* ics# */, svSmall1Bit, 16, 1}, {0x69637334 /* ics4 */, svSmall4Bit, 16, 4}, {0x69637338 /* ics8 */, svSmall8Bit, 16, 8},
 };

@@ -27,9 +27,12 @@ public:
 
     Pixel of(Pixel pixel, int x, int y) const
     {
-        pixel = inState(pixel, x, y);
+        if (state_ == kTransformOpen)
+            pixel = opened(x, y);
         if (selected_)
             pixel = selected(pixel);
+        if (state_ == kTransformOffline && isInCheckerboard(x, y))
+            pixel = patternOfOffline();
         if (label_ != 0)
             pixel = labelled(pixel);
         return state_ == kTransformDisabled ? disabled(pixel, x, y) : pixel;
@@ -39,13 +42,19 @@ private:
     static bool isInCheckerboard(int x, int y) { return (x + y) % 2 == 0; }
     static bool isDot(int x, int y) { return x % 2 == 0 && y % 2 == 0; }
 
-    Pixel inState(Pixel pixel, int x, int y) const
+    Pixel opened(int x, int y) const
     {
-        if (state_ == kTransformOpen)
-            return isDot(x, y) ? (oneBit_ ? blackPixel : gray) : (oneBit_ ? whitePixel : lightGray);
-        if (state_ == kTransformOffline && isInCheckerboard(x, y))
-            return oneBit_ ? blackPixel : gray;
-        return pixel;
+        if (oneBit_)
+            return isDot(x, y) ? blackPixel : whitePixel;
+        return isDot(x, y) ? gray : lightGray;
+    }
+
+    // In 1 bit it is not exchanged: selected icons that are offline and those that are disabled would look the same.
+    Pixel patternOfOffline() const
+    {
+        if (oneBit_)
+            return blackPixel;
+        return selected_ ? selected(gray) : gray;
     }
 
     Pixel selected(Pixel pixel) const { return oneBit_ ? pixel ^ 0x00FFFFFF : opaque | (pixel >> 1 & 0x007F7F7F); }

@@ -4,9 +4,9 @@
 // the same wherever it is drawn. Nothing depends on what was drawn before in that place.
 //
 // Everything that is given is put together, in this order:
-//   open            filled with gray dots in place of its picture
-//   offline         every second pixel gray
+//   open            filled with gray dots in place of its picture; in 1 bit black ones on white
 //   selected        each component halved; in 1 bit black and white change places
+//   offline         every second pixel gray, or half as bright where the icon is selected; in 1 bit black
 //   a label         each component multiplied by that of the label, so that white becomes the label's colour; in 1 bit black does
 //   disabled        half way to the background; in 1 bit every second pixel has the background's colour
 #pragma once

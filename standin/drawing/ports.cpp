@@ -14,7 +14,8 @@ namespace
 
 constexpr int widestRow = 0x3FFF / sizeof(Pixel);   // a bit map tells 14 bits of row bytes
 constexpr UInt16 deepPixels = 0x8000;               // the bit of rowBytes that says so
-constexpr SInt16 directDepth = 32;                  // the only depth here; 0 asks for that of the screen
+constexpr Rect usualScreen = {0, 0, 768, 1024};
+constexpr SInt16 directDepth = 32;   // the only depth here; 0 asks for that of the screen
 
 // Every port that was made and not disposed of yet.
 std::unordered_set<OpaqueGrafPtr *> &livePorts()
@@ -137,7 +138,7 @@ void SetPort(GrafPtr port)
 
 CGrafPtr CreateNewPort()
 {
-    return newPort({0, 0, 768, 1024}, {0, 0});
+    return newPort(usualScreen, {0, 0});
 }
 
 void DisposePort(CGrafPtr port)

@@ -110,8 +110,9 @@ Handle newEmptyHandle()
 bool fillHandle(Handle handle, Size byteCount)
 {
     HandleRecord &record = *recordOf(handle);
-    if (!isReasonable(byteCount) || !moveBlock(record, std::max(byteCount, smallestCapacity)))
+    if (!isReasonable(byteCount) || !moveBlock(record, byteCount + clearedBytesBehind))
         return false;
+    std::memset(record.block + byteCount, 0, clearedBytesBehind);
     record.byteCount = byteCount;
     return true;
 }

@@ -99,13 +99,13 @@ OSErr copyBytes(const ResourcePosition &position, std::string &bytes)
         bytes.assign(*known, static_cast<std::size_t>(GetHandleSize(known)));
         return noErr;
     }
-    std::uint32_t size = 0;
-    if (OSErr result = itemSize(*position.file, *position, size))
-        return result;
-    std::string read(size, '\0');
-    const OSErr result = readPlain(position, {reinterpret_cast<std::uint8_t *>(read.data()), read.size()});
+    const Handle copy = newEmptyHandle();   // which may be refused a size that a string is not
+    if (!copy)
+        return memFullErr;
+    const OSErr result = load(position, copy);
     if (result == noErr)
-        bytes = std::move(read);
+        bytes.assign(*copy, static_cast<std::size_t>(GetHandleSize(copy)));
+    DisposeHandle(copy);
     return result;
 }
 

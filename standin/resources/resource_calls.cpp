@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 
 using namespace standin;
 
@@ -83,7 +82,7 @@ bool isResource(Handle handle, ResourcePosition &position)
 void fillName(std::string_view name, Str255 text)
 {
     text[0] = static_cast<unsigned char>(name.size());
-    std::memcpy(text + 1, name.data(), name.size());
+    std::copy(name.begin(), name.end(), text + 1);
 }
 
 }   // namespace

@@ -144,6 +144,15 @@ TEST_F(DialogsPlacing, OldScreenCountsWhereTheVersionIsNotToBeKnown)
     }
 }
 
+TEST_F(DialogsPlacing, VersionThatComesWithAnErrorDoesNotCount)
+{
+    for (const OSErr code : {ioErr, OSErr{1}})
+    {
+        platform.screens.codeBesideTheVersion = code;
+        EXPECT_EQ(placed({0, 0, 100, 200}), (Rect{94, 156, 194, 356}));
+    }
+}
+
 class DialogsAlert : public DialogsTest
 {
 protected:

@@ -4,9 +4,10 @@ OSErr Gestalt(OSType selector, SInt32 *response)
 {
     PlatformDouble &platform = PlatformDouble::current();
     const OSErr failure = platform.record("Gestalt", {codeText(selector), platform.pointer(response, "response")});
-    if (failure == noErr)
-        *response = platform.screens.quickdrawVersion;
-    return failure;
+    if (failure != noErr)
+        return failure;
+    *response = platform.screens.quickdrawVersion;
+    return platform.screens.codeBesideTheVersion;
 }
 
 BitMap *GetQDGlobalsScreenBits(BitMap *screenBits)

@@ -10,4 +10,5 @@ struct ScreensDouble
     GDevice mainDevice = {{0, 0, 768, 1024}};
     GDevice *mainDeviceMaster = &mainDevice;
     SInt32 quickdrawVersion = 0x230;
+    OSErr codeBesideTheVersion = noErr;   // what Gestalt answers although it gives the version
 };

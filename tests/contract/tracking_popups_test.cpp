@@ -202,6 +202,14 @@ TEST_P(TrackingPopUps, EachOpeningFetchesTheMenuAnew)
     EXPECT_EQ(platform.calls(), upToMenu() + menuCalls + lookInside(GetParam()) + menuCalls + afterMenu());
 }
 
+TEST_P(TrackingPopUps, EachOpeningAsksForAnInsertedMenuAnewToo)
+{
+    insertMenu();
+    trackWay("ii", {51, 52}, {.inserted = 1});
+    const Calls menuCalls = Calls{"GetMenu(200)", "CountMenuItems(menu 200)"} + anchored(5);
+    EXPECT_EQ(platform.calls(), upToMenu() + menuCalls + lookInside(GetParam()) + menuCalls + afterMenu());
+}
+
 TEST_P(TrackingPopUps, MenuThatIsNotFoundIsNotTestedFor)
 {
     const std::string place = GetParam().isOfDialog ? "110, 252" : "10, 52";

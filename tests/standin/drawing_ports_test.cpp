@@ -121,16 +121,16 @@ TEST(DrawingPorts, KeepPenAndColoursOfTheirOwn)
 TEST(DrawingPorts, OfAWorldHaveThirtyTwoBits)
 {
     const Rect bounds = {10, 20, 12, 24}, empty = {0, 0, 0, 9}, wide = {0, 0, 1, 4096};
-    for (SInt16 depth : {0, 32})
+    for (const int depth : {0, 32})
     {
         GWorldPtr world = nullptr;
-        ASSERT_EQ(NewGWorld(&world, depth, &bounds, nullptr, nullptr, 0), noErr);
+        ASSERT_EQ(NewGWorld(&world, static_cast<SInt16>(depth), &bounds, nullptr, nullptr, 0), noErr);
         EXPECT_EQ(rowsOf(world), "....\n....\n");
         DisposeGWorld(world);
     }
     GWorldPtr untouched = nullptr;
-    for (SInt16 depth : {1, 8, 16, 33, -1})
-        EXPECT_EQ(NewGWorld(&untouched, depth, &bounds, nullptr, nullptr, 0), cDepthErr);
+    for (const int depth : {1, 8, 16, 33, -1})
+        EXPECT_EQ(NewGWorld(&untouched, static_cast<SInt16>(depth), &bounds, nullptr, nullptr, 0), cDepthErr);
     EXPECT_EQ(NewGWorld(&untouched, 32, &empty, nullptr, nullptr, 0), paramErr);
     EXPECT_EQ(NewGWorld(&untouched, 32, &wide, nullptr, nullptr, 0), paramErr);
     EXPECT_EQ(untouched, nullptr);

@@ -46,6 +46,17 @@ TEST_F(ResourceHandles, AResourceHasOneHandle)
     EXPECT_NE(GetResource(text, 2), handle);
 }
 
+// Applications take strings out by the length byte, whatever size the resource has.
+TEST_F(ResourceHandles, AStringThatSaysMoreThanThereIsGoesOnWithZeros)
+{
+    open.emplace(fileWithFork(folder, "damaged", resourceFork({{code("STR "), 1, {0xFF, 'a', 'b'}}, {code("STR "), 2, {}}})));
+    const Handle longer = GetResource(code("STR "), 1), empty = GetResource(code("STR "), 2);
+    ASSERT_NE(longer, nullptr);
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(std::string(*longer + 1, 255), "ab" + std::string(253, '\0'));
+    EXPECT_EQ(**empty, 0);
+}
+
 TEST_F(ResourceHandles, WhatIsChangedInMemoryStays)
 {
     **GetResource(text, 1) = 'O';
@@ -319,7 +330,7 @@ TEST_F(ResourceHandles, TemplatesHaveTheMachinesByteOrder)
     EXPECT_EQ(record.procID, 4);
     EXPECT_EQ(record.visible, 1);
     EXPECT_EQ(record.goAwayFlag, 1);
-    EXPECT_EQ(record.refCon, 0x12345678);
+    EXPECT_EQ(SInt32{record.refCon}, 0x12345678);   // not aligned in the record
     EXPECT_EQ(record.itemsID, 129);
     EXPECT_EQ(record.title[1], 'H');
     AlertTemplate alertRecord{};
