@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 using namespace standin;
 
@@ -56,7 +57,7 @@ OSErr resourceSizes(const Object &object, ForkSizes &sizes)
     {
     case SidecarState::good: sizes = {sidecar.forkLength(), sidecar.status.allocated}; break;
     case SidecarState::unreadable: return afpAccessDenied;
-    case SidecarState::failing: return sidecar.failure ? resultFromErrno(-sidecar.failure) : static_cast<OSErr>(ioErr);
+    case SidecarState::failing: return sidecar.result();
     default: break;
     }
     return sizes.logical > 0 ? static_cast<OSErr>(noErr) : static_cast<OSErr>(errFSNoMoreItems);
@@ -76,6 +77,7 @@ OSErr sizesOf(const Object &object, NextFork which, ForkSizes &sizes)
 // behind the last fork, again and again; paramErr for null, or a record that is neither fresh nor from here; notAFileErr for a folder; the
 // codes of a reference; the disk's code. Outputs are written only with noErr.
 OSErr FSIterateForks(const FSRef *ref, CatPositionRec *position, HFSUniStr255 *name, SInt64 *size, UInt64 *physicalSize)
+try
 {
     Object object;
     NextFork next;
@@ -99,4 +101,8 @@ OSErr FSIterateForks(const FSRef *ref, CatPositionRec *position, HFSUniStr255 *n
     if (physicalSize)
         *physicalSize = sizes.physical;
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -124,6 +124,11 @@ void setCallFilter(CallFilter filter)
     callFilter = filter;
 }
 
+void setMostBytesAtOnce(std::size_t most)
+{
+    mostBytesAtOnce = most;
+}
+
 std::timespec now()
 {
     std::timespec time;
@@ -160,6 +165,11 @@ void sleepMilliseconds(int milliseconds)
 bool saysAbsent(int failure)
 {
     return failure == -ENOENT || failure == -ENAMETOOLONG || failure == -EILSEQ || failure == -EINVAL;
+}
+
+bool saysUsedUp(int failure)
+{
+    return failure == -EMFILE || failure == -ENFILE || failure == -ENOMEM;
 }
 
 int statusAt(int folder, const char *name, ObjectStatus &result)
@@ -326,8 +336,8 @@ ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offs
     std::size_t done = 0;
     while (done < bytes.size())
     {
-        const ssize_t got =
-            repeated([&] { return ::pread(descriptor, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done)); });
+        const std::size_t piece = bytesAtOnce(bytes.size() - done);
+        const ssize_t got = repeated([&] { return ::pread(descriptor, bytes.data() + done, piece, static_cast<off_t>(offset + done)); });
         if (got < 0)
             return got;
         done += static_cast<std::size_t>(got);
@@ -342,8 +352,9 @@ int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t o
     std::size_t done = 0;
     while (done < bytes.size())
     {
+        const std::size_t piece = bytesAtOnce(bytes.size() - done);
         const ssize_t written =
-            repeated([&] { return ::pwrite(descriptor, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done)); });
+            repeated([&] { return ::pwrite(descriptor, bytes.data() + done, piece, static_cast<off_t>(offset + done)); });
         if (written < 0)
             return static_cast<int>(written);
         done += static_cast<std::size_t>(written);
@@ -361,7 +372,7 @@ int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset
     auto source = static_cast<off64_t>(fromOffset), target = static_cast<off64_t>(toOffset);
     while (length > 0)
     {
-        const ssize_t copied = repeated([&] { return ::copy_file_range(from, &source, to, &target, length, 0); });
+        const ssize_t copied = repeated([&] { return ::copy_file_range(from, &source, to, &target, bytesAtOnce(length), 0); });
         if (copied < 0)
             return copyThroughBuffer(from, static_cast<std::uint64_t>(source), to, static_cast<std::uint64_t>(target), length);
         if (copied == 0)

@@ -23,14 +23,14 @@ int shareBlocks(int from, int to)
 ssize_t copyRange(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
 {
     auto source = static_cast<off64_t>(fromOffset), target = static_cast<off64_t>(toOffset);
-    return repeated([&] { return ::copy_file_range(from, &source, to, &target, length, 0); });
+    return repeated([&] { return ::copy_file_range(from, &source, to, &target, bytesAtOnce(length), 0); });
 }
 
 ssize_t sendBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
 {
     auto source = static_cast<off_t>(fromOffset);
     const auto placed = repeated([&] { return ::lseek(to, static_cast<off_t>(toOffset), SEEK_SET); });
-    return placed < 0 ? static_cast<ssize_t>(placed) : repeated([&] { return ::sendfile(to, from, &source, length); });
+    return placed < 0 ? static_cast<ssize_t>(placed) : repeated([&] { return ::sendfile(to, from, &source, bytesAtOnce(length)); });
 }
 
 std::int64_t nextData(int descriptor, std::uint64_t offset)
