@@ -3,7 +3,6 @@
 // The data fork always, whatever its length; then the resource fork if it holds a byte. The caller's record says by itself how far it is:
 // nothing is kept here between two calls, and records may be copied, left or used by several threads.
 #include "platform/platform.h"
-#include "standin/files/errors.h"
 #include "standin/files/forks.h"
 
 #include <algorithm>
