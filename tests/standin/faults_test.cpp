@@ -136,7 +136,8 @@ void Faults::runWithOthersOf(const std::string &call, int nth)
     for (std::size_t turn = 0; turn < count; ++turn)
     {
         const int number = numbers[(static_cast<std::size_t>(nth) * count + turn + Faults::number()) % numbers.size()];
-        const bool hidesTheLock = number == EACCES && change().expected == fLckdErr;   // a lock that may not be read is none
+        const bool isNotPermitted = number == EACCES || number == EPERM || number == EROFS;
+        const bool hidesTheLock = isNotPermitted && change().expected == fLckdErr;   // a lock that may not be read is none
         if (number != EIO && !hidesTheLock)
             runWith({nth, number, false});
     }

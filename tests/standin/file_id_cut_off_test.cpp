@@ -142,8 +142,12 @@ TEST_P(FileIDsCutOff, LeadToTheirFiles)
 
 INSTANTIATE_TEST_SUITE_P(Actions, FileIDsCutOff, testing::ValuesIn(actions), [](const auto &row) { return std::string(row.param.name); });
 
-// The database and its folder come into being with the first one.
-TEST_F(FileIDStore, TheFirstIDMayBeCutOffAnywhere)
+class FirstFileIDCutOff : public FileIDStore
+{
+};
+
+// The database and its folder come into being with it.
+TEST_F(FirstFileIDCutOff, IsMadeByTheNext)
 {
     End end = End::cutOff;
     int nth = 0;

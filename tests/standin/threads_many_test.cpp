@@ -97,6 +97,8 @@ void useOwnTree(const std::string &top, Findings &findings)
     {
         findings.expectResult(makeNumbered(parent, 1, first), {noErr}, "making the first file");
         findings.expectResult(makeNumbered(parent, 2, second), {noErr}, "making the second file");
+        for (int times = offersExchange(parent) ? 2 : 0; times > 0; --times)   // there and back
+            findings.expectResult(FSExchangeObjects(&first, &second), {noErr}, "exchanging");
         findings.expectResult(rename(first, "renamed"), {noErr}, "renaming");
         findings.expectResult(move(first, inner), {noErr}, "moving");
         findings.expectResult(copyFile(first, parent, "copy"), {noErr}, "copying");
