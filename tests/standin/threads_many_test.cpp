@@ -188,7 +188,7 @@ TEST_P(ThreadsMany, WorkInOneTree)
     std::vector<FSRef> files(sharedFiles);
     for (int number = 0; number < sharedFiles; ++number)
         ASSERT_EQ(makeNumbered(folders[0], number + 1, files[static_cast<std::size_t>(number)]), noErr);
-    const int rounds = (isSanitized() ? 100 : 200) / threadCount() * 2;
+    const int rounds = isSanitized() ? 100 : 200;
     inThreads([&](int thread) {
         std::mt19937 random(static_cast<unsigned>(thread));
         for (int round = 0; round < rounds; ++round)
