@@ -1,7 +1,6 @@
 #include "standin/files/held_clock.h"
 #include "standin/files/linux_repeated.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -14,7 +13,6 @@
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <vector>
 
 namespace standin
 {
@@ -62,25 +60,6 @@ int status(int descriptor, const char *name, int flags, ObjectStatus &result)
     if (failure == 0)
         take(record, result);
     return failure;
-}
-
-// For disks between which the kernel cannot copy by itself.
-int copyThroughBuffer(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
-{
-    std::vector<std::uint8_t> buffer(std::min<std::uint64_t>(length, 256 * 1024));
-    while (length > 0)
-    {
-        const std::span<std::uint8_t> piece(buffer.data(), std::min<std::uint64_t>(length, buffer.size()));
-        const ssize_t got = linux_calls::readAt(from, piece, fromOffset);
-        if (got <= 0)
-            return got < 0 ? static_cast<int>(got) : -EIO;
-        if (const int failure = linux_calls::writeAt(to, piece.first(static_cast<std::size_t>(got)), toOffset))
-            return failure;
-        fromOffset += static_cast<std::uint64_t>(got);
-        toOffset += static_cast<std::uint64_t>(got);
-        length -= static_cast<std::uint64_t>(got);
-    }
-    return 0;
 }
 
 std::atomic<std::int64_t> heldMilliseconds{0};   // 0: the clocks go
@@ -365,21 +344,6 @@ int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t o
 int setSize(int descriptor, std::uint64_t size)
 {
     return repeated([&] { return ::ftruncate(descriptor, static_cast<off_t>(size)); });
-}
-
-int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
-{
-    auto source = static_cast<off64_t>(fromOffset), target = static_cast<off64_t>(toOffset);
-    while (length > 0)
-    {
-        const ssize_t copied = repeated([&] { return ::copy_file_range(from, &source, to, &target, bytesAtOnce(length), 0); });
-        if (copied < 0)
-            return copyThroughBuffer(from, static_cast<std::uint64_t>(source), to, static_cast<std::uint64_t>(target), length);
-        if (copied == 0)
-            return -EIO;   // the source ended early: somebody cuts it while we copy
-        length -= static_cast<std::uint64_t>(copied);
-    }
-    return 0;
 }
 
 int tryLock(int descriptor)
