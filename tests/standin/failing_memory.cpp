@@ -49,7 +49,7 @@ bool FailingMemory::reached()
 
 }   // namespace support
 
-// The whole program's; all other forms of new and delete come down to these.
+// The whole program's. A sanitizer has forms of its own for all that is not replaced, so those that one `delete` serves are replaced together.
 void *operator new(std::size_t size)
 {
     void *memory = isTurn() ? nullptr : std::malloc(size == 0 ? 1 : size);
@@ -58,12 +58,22 @@ void *operator new(std::size_t size)
     return memory;
 }
 
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+{
+    return isTurn() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void *memory) noexcept
 {
     std::free(memory);
 }
 
 void operator delete(void *memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void *memory, const std::nothrow_t &) noexcept
 {
     std::free(memory);
 }
