@@ -38,6 +38,9 @@ const Command *const commandOrder[] = {
     &colonCommand,
     &newCommand,
     &catCommand,
+    &iconCommand,
+    &iconsCommand,
+    &dialogCommand,
     &textCommand,
 };
 // clang-format on

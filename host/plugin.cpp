@@ -136,6 +136,19 @@ void takeFolderFunctions(void *library, Plugin &plugin)
     takeTyped(library, "ZerbMakeWritableByAll", plugin.ZerbMakeWritableByAll);
 }
 
+void takeDialogFunctions(void *library, Plugin &plugin)
+{
+    takeTyped(library, "DrawSICN", plugin.DrawSICN);
+    takeTyped(library, "MyDrawIconInSuite", plugin.MyDrawIconInSuite);
+    takeTyped(library, "MyDrawIconButton", plugin.MyDrawIconButton);
+    takeTyped(library, "ZerbCenterDialog", plugin.ZerbCenterDialog);
+    takeTyped(library, "ZerbErrorAlert", plugin.ZerbErrorAlert);
+    takeTyped(library, "MyTrackIconButton", plugin.MyTrackIconButton);
+    takeTyped(library, "TrackRectIconButton", plugin.TrackRectIconButton);
+    takeTyped(library, "TrackIconButtonWithPopUp", plugin.TrackIconButtonWithPopUp);
+    takeTyped(library, "MyTrackIconButtonWithPopUp", plugin.MyTrackIconButtonWithPopUp);
+}
+
 Plugin takeFunctions(void *library)
 {
     Plugin plugin = {};
@@ -163,6 +176,7 @@ Plugin takeFunctions(void *library)
     takeAccessFunctions(library, plugin);
     takeStringFunctions(library, plugin);
     takeFolderFunctions(library, plugin);
+    takeDialogFunctions(library, plugin);
     return plugin;
 }
 

@@ -3,6 +3,7 @@
 // The declarations come from the plug-in's public headers; the functions themselves are taken from the loaded plug-in by name.
 #pragma once
 
+#include "dialogs/iconbuttons.h"
 #include "files/fstoolkit.h"
 #include "folders/folderfiles.h"
 #include "strings/pstrings.h"
@@ -84,6 +85,16 @@ struct Plugin
     decltype(&::FSpOpenDF2) FSpOpenDF2;
     decltype(&::FSpDelete2) FSpDelete2;
     decltype(&::ZerbMakeWritableByAll) ZerbMakeWritableByAll;
+
+    decltype(&::DrawSICN) DrawSICN;
+    decltype(&::MyDrawIconInSuite) MyDrawIconInSuite;
+    decltype(&::MyDrawIconButton) MyDrawIconButton;
+    decltype(&::ZerbCenterDialog) ZerbCenterDialog;
+    decltype(&::ZerbErrorAlert) ZerbErrorAlert;
+    decltype(&::MyTrackIconButton) MyTrackIconButton;
+    decltype(&::TrackRectIconButton) TrackRectIconButton;
+    decltype(&::TrackIconButtonWithPopUp) TrackIconButtonWithPopUp;
+    decltype(&::MyTrackIconButtonWithPopUp) MyTrackIconButtonWithPopUp;
 };
 
 struct PluginError : std::runtime_error

@@ -164,6 +164,10 @@ static_assert(offsetof(PenState, pnPat) == 10);
 
 static_assert(sizeof(GDevice) == 8);
 
+static_assert(sizeof(EventRecord) == (widePointers ? 20 : 16) && alignof(EventRecord) == 2);
+static_assert(offsetof(EventRecord, message) == 2);
+static_assert(offsetof(EventRecord, when) == (widePointers ? 10 : 6));
+
 static_assert(sizeof(AlertTemplate) == 12 && alignof(AlertTemplate) == 2);
 static_assert(offsetof(AlertTemplate, boundsRect) == 0);
 static_assert(offsetof(AlertTemplate, itemsID) == 8);

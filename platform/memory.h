@@ -16,6 +16,7 @@ Size GetPtrSize(Ptr pointer);
 Handle NewHandle(Size byteCount);
 void DisposeHandle(Handle handle);
 Size GetHandleSize(Handle handle);
+void SetHandleSize(Handle handle, Size newSize);   // MemError tells whether it could be
 void HLock(Handle handle);
 void HUnlock(Handle handle);
 OSErr PtrAndHand(const void *source, Handle handle, long size);   // appends to the handle's block

@@ -62,6 +62,9 @@ constexpr OSErr resNotFound = -192;
 constexpr OSErr resFNotFound = -193;
 constexpr OSErr mapReadErr = -199;   // no map of resources, or a damaged one
 
+// System
+constexpr OSErr gestaltUndefSelectorErr = -5551;   // nothing here goes by that name
+
 // Drawing
 constexpr OSErr cDepthErr = -157;
 

@@ -6,6 +6,7 @@
 #include "platform/types.h"
 
 constexpr OSType gestaltQuickdrawVersion = fourCharCode("qd  ");
+constexpr OSType gestaltSystemVersion = fourCharCode("sysv");
 
 #pragma GCC visibility push(default)
 extern "C"

@@ -11,6 +11,10 @@ namespace standin
 // A handle whose master pointer is null. Null if there is no memory for it. DisposeHandle takes it as any other.
 Handle newEmptyHandle();
 
+// What lies behind the bytes of a block that fillHandle made: zeros. Applications take a string out of a resource by its own length, and a damaged
+// one says more than there is.
+constexpr Size clearedBytesBehind = 255;
+
 // Gives a handle a block of that size in place of the one it has, if it has one; the bytes of an empty handle are not cleared.
 // False if there is no memory; the handle is then as it was.
 bool fillHandle(Handle handle, Size byteCount);

@@ -110,8 +110,9 @@ Handle newEmptyHandle()
 bool fillHandle(Handle handle, Size byteCount)
 {
     HandleRecord &record = *recordOf(handle);
-    if (!isReasonable(byteCount) || !moveBlock(record, std::max(byteCount, smallestCapacity)))
+    if (!isReasonable(byteCount) || !moveBlock(record, byteCount + clearedBytesBehind))
         return false;
+    std::memset(record.block + byteCount, 0, clearedBytesBehind);
     record.byteCount = byteCount;
     return true;
 }
@@ -199,6 +200,20 @@ Size GetHandleSize(Handle handle)
     if (handle == nullptr || *handle == nullptr)
         return reported(nilHandleErr, Size{0});
     return reported(noErr, recordOf(handle)->byteCount);
+}
+
+// What is new at the end is not cleared. A locked block can grow only where it is.
+// Result, for MemError: noErr; nilHandleErr for a null handle; paramErr for a negative size; memFullErr. On failure the handle is unchanged.
+void SetHandleSize(Handle handle, Size newSize)
+{
+    lastResult = handle == nullptr ? nilHandleErr : newSize < 0 ? paramErr : noErr;
+    if (lastResult != noErr)
+        return;
+    HandleRecord &record = *recordOf(handle);
+    if (newSize > record.byteCount && !makeRoom(record, newSize - record.byteCount))
+        lastResult = memFullErr;
+    else
+        record.byteCount = newSize;
 }
 
 // The block stays where it is until HUnlock; there is one lock, not a count.

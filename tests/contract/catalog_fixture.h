@@ -37,12 +37,6 @@ struct PatternedOutputs
     UInt8 userPrivileges;
 };
 
-inline Calls operator+(Calls first, const Calls &then)
-{
-    first.insert(first.end(), then.begin(), then.end());
-    return first;
-}
-
 inline bool operator==(const FSRef &a, const FSRef &b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;

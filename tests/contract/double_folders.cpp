@@ -7,14 +7,6 @@
 namespace
 {
 
-std::string codeText(OSType code)
-{
-    std::string text = "'";
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += static_cast<char>(code >> shift & 0xFF);
-    return text + '\'';
-}
-
 OSErr addObject(const FSRef *parentRef, const std::string &name, bool isFolder)
 {
     PlatformDouble &platform = PlatformDouble::current();

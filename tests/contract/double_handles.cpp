@@ -26,6 +26,24 @@ RelocatableBlock *HandlesDouble::find(Handle handle)
     return nullptr;
 }
 
+void RelocatableBlock::fill(const std::string &contents)
+{
+    bytes = std::make_unique<char[]>(contents.size());
+    std::memcpy(bytes.get(), contents.data(), contents.size());
+    master = bytes.get();
+    size = static_cast<Size>(contents.size());
+}
+
+Handle HandlesDouble::addEmpty()
+{
+    return &blocks.emplace_back(RelocatableBlock{nullptr, nullptr, 0}).master;
+}
+
+void HandlesDouble::remove(Handle handle)
+{
+    blocks.remove_if([handle](const RelocatableBlock &each) { return &each.master == handle; });
+}
+
 Handle NewHandle(Size byteCount)
 {
     PlatformDouble &platform = PlatformDouble::current();
@@ -43,7 +61,23 @@ void DisposeHandle(Handle handle)
     platform.note("DisposeHandle", {platform.pointer(handle, "handle")});
     const RelocatableBlock *found = platform.handles.find(handle);
     platform.handles.lastError = found == nullptr ? memWZErr : OSErr{noErr};
-    platform.handles.blocks.remove_if([found](const RelocatableBlock &each) { return &each == found; });
+    platform.handles.remove(handle);
+}
+
+void HLock(Handle handle)
+{
+    PlatformDouble &platform = PlatformDouble::current();
+    platform.note("HLock", {platform.pointer(handle, "handle")});
+    if (RelocatableBlock *block = platform.handles.find(handle))
+        block->isLocked = true;
+}
+
+void HUnlock(Handle handle)
+{
+    PlatformDouble &platform = PlatformDouble::current();
+    platform.note("HUnlock", {platform.pointer(handle, "handle")});
+    if (RelocatableBlock *block = platform.handles.find(handle))
+        block->isLocked = false;
 }
 
 OSErr PtrAndHand(const void *source, Handle handle, long size)

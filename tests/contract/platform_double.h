@@ -13,13 +13,20 @@
 #include "tests/contract/double_blocks.h"
 #include "tests/contract/double_core_foundation.h"
 #include "tests/contract/double_dates.h"
+#include "tests/contract/double_dialogs.h"
+#include "tests/contract/double_drawing.h"
+#include "tests/contract/double_events.h"
 #include "tests/contract/double_files.h"
 #include "tests/contract/double_folders.h"
 #include "tests/contract/double_forks.h"
 #include "tests/contract/double_handles.h"
+#include "tests/contract/double_icons.h"
 #include "tests/contract/double_iterators.h"
+#include "tests/contract/double_menus.h"
 #include "tests/contract/double_mounting.h"
 #include "tests/contract/double_names.h"
+#include "tests/contract/double_resources.h"
+#include "tests/contract/double_screens.h"
 #include "tests/contract/double_text.h"
 #include "tests/contract/recorder.h"
 
@@ -46,4 +53,11 @@ public:
     MountingDouble mounting;
     FoldersDouble folders;
     CoreFoundationDouble coreFoundation;
+    DrawingDouble drawing;
+    ScreensDouble screens;
+    IconsDouble icons;
+    ResourcesDouble resources;
+    DialogsDouble dialogs;
+    MenusDouble menus;
+    EventsDouble events;
 };

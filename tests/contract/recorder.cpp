@@ -14,6 +14,14 @@ std::string hex(UInt64 number)
     return text;
 }
 
+std::string codeText(OSType code)
+{
+    std::string text = "'";
+    for (int shift = 24; shift >= 0; shift -= 8)
+        text += static_cast<char>(code >> shift & 0xFF);
+    return text + '\'';
+}
+
 std::string plainText(ConstStr255Param text)
 {
     std::string result;

@@ -14,9 +14,16 @@
 
 using Calls = std::vector<std::string>;
 
+inline Calls operator+(Calls first, const Calls &then)
+{
+    first.insert(first.end(), then.begin(), then.end());
+    return first;
+}
+
 // Texts of arguments
 std::string decimal(SInt64 number);
 std::string hex(UInt64 number);
+std::string codeText(OSType code);   // its four characters: 'TEXT'
 std::string plainText(ConstStr255Param text);
 std::string quoted(ConstStr255Param text);   // the same in quotes, or "-" for a null one
 

@@ -120,7 +120,11 @@ bool writePicture(const Picture &picture, const std::string &path)
 
 testing::AssertionResult looksLike(GrafPtr port, const std::string &name)
 {
-    const Picture drawn = pictureOf(port);
+    return looksLike(pictureOf(port), name);
+}
+
+testing::AssertionResult looksLike(const Picture &drawn, const std::string &name)
+{
     if (!std::filesystem::exists(storedPath(name)))
         return std::getenv("ZERB_NEW_PICTURES") != nullptr
                    ? storedAnew(drawn, name)

@@ -28,6 +28,7 @@ bool writePicture(const Picture &picture, const std::string &path);
 // are written to the folder `pictures` beside that of the programs.
 //
 // With ZERB_NEW_PICTURES set, a picture that is not stored yet is stored, and the test is skipped: look at the picture before you keep it.
+testing::AssertionResult looksLike(const Picture &drawn, const std::string &name);
 testing::AssertionResult looksLike(GrafPtr port, const std::string &name);
 
 }   // namespace support

@@ -105,6 +105,18 @@ TEST_F(ResourceChain, ClosingTheFirstOneAsTheCurrentOneGoesToTheNewest)
     EXPECT_EQ(CurResFile(), other.number());
 }
 
+TEST_F(ResourceChain, ClosingTheMiddleOneAsTheCurrentOneGoesToTheOneBeforeIt)
+{
+    OpenResources one(first);
+    const SInt16 middle = FSOpenResFile(&second, fsRdPerm);
+    OpenResources newest(fileWithFork(folder, "third", forkOf({{9, "9 in third"}})));
+    UseResFile(middle);
+    CloseResFile(middle);
+    EXPECT_EQ(CurResFile(), one.number());
+    UseResFile(newest.number());
+    EXPECT_EQ(contentOf(GetResource(text, 1)), "1 in first");
+}
+
 TEST_F(ResourceChain, ANumberThatIsNotOpenIsRefused)
 {
     for (const SInt16 number : {SInt16{-1}, SInt16{0}, SInt16{12345}})

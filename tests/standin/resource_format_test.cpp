@@ -217,6 +217,17 @@ TEST_P(ResourceDamage, IsRefusedWhereItIs)
 
 INSTANTIATE_TEST_SUITE_P(Rows, ResourceDamage, testing::ValuesIn(damages), [](const auto &row) { return std::string(row.param.name); });
 
+TEST(ResourceFormat, AnItemMayEndWithTheForkAndNotBehindIt)
+{
+    const std::uint8_t five[4] = {0, 0, 0, 5};
+    EXPECT_EQ(standin::itemLength(five, 10, 19), 5u);
+    EXPECT_FALSE(standin::itemLength(five, 10, 18));
+    const ResourceHeader header{100, 0, 0, 0};
+    const standin::ResourceEntry entry{text, 1, 0, standin::noResourceName, 20};
+    EXPECT_EQ(standin::itemPlace(header, entry, 124), 120u);
+    EXPECT_FALSE(standin::itemPlace(header, entry, 123));
+}
+
 TEST(ResourceFormat, ADamagedNameIsNone)
 {
     for (const std::size_t length : {4u, 5u, 255u})

@@ -46,6 +46,17 @@ TEST_F(ResourceHandles, AResourceHasOneHandle)
     EXPECT_NE(GetResource(text, 2), handle);
 }
 
+// Applications take strings out by the length byte, whatever size the resource has.
+TEST_F(ResourceHandles, AStringThatSaysMoreThanThereIsGoesOnWithZeros)
+{
+    open.emplace(fileWithFork(folder, "damaged", resourceFork({{code("STR "), 1, {0xFF, 'a', 'b'}}, {code("STR "), 2, {}}})));
+    const Handle longer = GetResource(code("STR "), 1), empty = GetResource(code("STR "), 2);
+    ASSERT_NE(longer, nullptr);
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(std::string(*longer + 1, 255), "ab" + std::string(253, '\0'));
+    EXPECT_EQ(**empty, 0);
+}
+
 TEST_F(ResourceHandles, WhatIsChangedInMemoryStays)
 {
     **GetResource(text, 1) = 'O';
