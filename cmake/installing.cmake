@@ -13,6 +13,34 @@ endforeach()
 install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/sample_dialog.rsrc
     DESTINATION ${ZERB_DATA_FOLDER} COMPONENT runtime)
 
+# Manual pages and what shells complete are made by the program itself, of what it says in its help.
+set(manualFolder ${CMAKE_BINARY_DIR}/manual)
+set(completionFolder ${CMAKE_BINARY_DIR}/completions)
+find_program(ZERB_GZIP NAMES gzip REQUIRED)
+add_custom_command(OUTPUT ${manualFolder}/zerb.1.gz
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${manualFolder}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${manualFolder}
+    COMMAND zerb_host man --save ${manualFolder}
+    COMMAND ${ZERB_GZIP} -9nr ${manualFolder}
+    DEPENDS zerb_host
+    COMMENT "Making the manual pages" VERBATIM)
+add_custom_command(OUTPUT ${completionFolder}/zerb ${completionFolder}/_zerb ${completionFolder}/zerb.fish
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${completionFolder}
+    COMMAND zerb_host completions bash > ${completionFolder}/zerb
+    COMMAND zerb_host completions zsh > ${completionFolder}/_zerb
+    COMMAND zerb_host completions fish > ${completionFolder}/zerb.fish
+    DEPENDS zerb_host
+    COMMENT "Making what shells complete" VERBATIM)
+add_custom_target(manual ALL DEPENDS ${manualFolder}/zerb.1.gz ${completionFolder}/zerb)
+install(DIRECTORY ${manualFolder}/
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime FILES_MATCHING PATTERN "*.1.gz")
+install(FILES ${completionFolder}/zerb
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT runtime)
+install(FILES ${completionFolder}/_zerb
+    DESTINATION ${ZERB_ZSH_FOLDER} COMPONENT runtime)
+install(FILES ${completionFolder}/zerb.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT runtime)
+
 # The two libraries that applications are linked with, and the headers alone.
 set_target_properties(zerbstandin PROPERTIES EXPORT_NAME standin)
 target_include_directories(zerbstandin INTERFACE $<INSTALL_INTERFACE:${ZERB_HEADER_FOLDER}>)
@@ -47,9 +75,21 @@ install(FILES ${ZERB_C_HEADER}
 # What there is to read, and to begin with.
 install(FILES README.md CHANGELOG.md LICENSE
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+install(FILES LICENSE RENAME copyright
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 install(DIRECTORY docs/
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT runtime
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png")
 install(DIRECTORY examples/
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
     FILES_MATCHING PATTERN "*.cpp" PATTERN "*.c" PATTERN "outside/*")
+
+# All that is installed, without tests and benchmarks.
+add_custom_target(product DEPENDS zerb_host zerb_plugin zerb_toolkit zerbstandin manual sample_dialog c_header)
+foreach(module zerb_drawing zerbscreen)
+    if(TARGET ${module})
+        add_dependencies(product ${module})
+    endif()
+endforeach()
+
+include(${CMAKE_CURRENT_LIST_DIR}/packaging.cmake)

@@ -11,6 +11,14 @@ set(ZERB_DATA_FOLDER ${CMAKE_INSTALL_DATADIR}/zerb)
 set(ZERB_HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/zerb)
 set(ZERB_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/Zerb)
 
+# Debian's packages have their completions for zsh in a folder of their own.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(zshFolder vendor-completions)
+else()
+    set(zshFolder site-functions)
+endif()
+set(ZERB_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/${zshFolder} CACHE STRING "Where zsh looks for completions")
+
 function(zerb_path_from variable from to)
     cmake_path(RELATIVE_PATH to BASE_DIRECTORY ${from} OUTPUT_VARIABLE path)
     set(${variable} "$ORIGIN/${path}" PARENT_SCOPE)
