@@ -4,7 +4,6 @@
 #include "host/usage_error.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 
 namespace host
@@ -113,16 +112,6 @@ std::string idsOf(const std::vector<IconFamily> &families)
 std::string idsOf(const std::vector<SmallIconList> &lists)
 {
     return idsOfItems(lists);
-}
-
-SInt16 resourceIDFromText(const std::string &typed)
-{
-    int id = 0;
-    const char *end = typed.data() + typed.size();
-    const auto [stopped, failure] = std::from_chars(typed.data(), end, id);
-    if (failure != std::errc{} || stopped != end || id < -32768 || id > 32767)
-        throw UsageError("an ID is a number from -32768 to 32767, not: " + typed);
-    return static_cast<SInt16>(id);
 }
 
 }   // namespace host

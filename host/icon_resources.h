@@ -60,7 +60,4 @@ IconResources iconsOfCurrentFile();
 std::string idsOf(const std::vector<IconFamily> &families);
 std::string idsOf(const std::vector<SmallIconList> &lists);
 
-// Reads a resource's ID. Throws UsageError.
-SInt16 resourceIDFromText(const std::string &typed);
-
 }   // namespace host

@@ -10,7 +10,6 @@
 #include "platform/resources.h"
 
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -29,23 +28,13 @@ struct Options
     bool isRaw = false, isHexadecimal = false;
 };
 
-SInt16 idFromText(const std::string &typed)
-{
-    int id = 0;
-    const char *end = typed.data() + typed.size();
-    const auto [stopped, failure] = std::from_chars(typed.data(), end, id);
-    if (failure != std::errc{} || stopped != end || id < -32768 || id > 32767)
-        throw UsageError("an ID is a number from -32768 to 32767, not: " + typed);
-    return static_cast<SInt16>(id);
-}
-
 void checkOptions(const Options &options)
 {
     resourceTypeFromText(options.type);
     if (options.name.has_value() == !options.id.empty())
         throw UsageError("either an ID or --name says which resource is meant");
     if (!options.id.empty())
-        idFromText(options.id);
+        resourceIDFromText(options.id);
 }
 
 std::string nameFromText(const std::string &typed)
@@ -59,7 +48,7 @@ std::string nameFromText(const std::string &typed)
 Handle findResource(const Options &options, ResType type)
 {
     if (!options.name)
-        return Get1Resource(type, idFromText(options.id));
+        return Get1Resource(type, resourceIDFromText(options.id));
     const std::string name = static_cast<char>(static_cast<unsigned char>(options.name->size())) + *options.name;
     return Get1NamedResource(type, reinterpret_cast<ConstStr255Param>(name.c_str()));
 }

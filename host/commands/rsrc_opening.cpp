@@ -5,6 +5,8 @@
 
 #include "platform/resources.h"
 
+#include <charconv>
+
 namespace host
 {
 
@@ -61,6 +63,16 @@ ResType resourceTypeFromText(const std::string &typed)
     if (padded.empty())
         throw UsageError("a resource type has one to four characters");
     return codeFromText(padded);
+}
+
+SInt16 resourceIDFromText(const std::string &typed)
+{
+    int id = 0;
+    const char *end = typed.data() + typed.size();
+    const auto [stopped, failure] = std::from_chars(typed.data(), end, id);
+    if (failure != std::errc{} || stopped != end || id < -32768 || id > 32767)
+        throw UsageError("an ID is a number from -32768 to 32767, not: " + typed);
+    return static_cast<SInt16>(id);
 }
 
 }   // namespace host

@@ -32,6 +32,9 @@ OSErr readResourceBytes(Handle resource, std::string &bytes);
 // As codeFromText, but with spaces after fewer than four characters: STR is 'STR '. Throws UsageError.
 ResType resourceTypeFromText(const std::string &typed);
 
+// Throws UsageError.
+SInt16 resourceIDFromText(const std::string &typed);
+
 extern const Part rsrcDumpPart;
 extern const Part rsrcMakePart;
 

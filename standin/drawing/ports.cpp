@@ -14,8 +14,7 @@ namespace
 
 constexpr int widestRow = 0x3FFF / sizeof(Pixel);   // a bit map tells 14 bits of row bytes
 constexpr UInt16 deepPixels = 0x8000;               // the bit of rowBytes that says so
-constexpr Rect usualScreen = {0, 0, 768, 1024};
-constexpr SInt16 directDepth = 32;   // the only depth here; 0 asks for that of the screen
+constexpr SInt16 directDepth = 32;                  // the only depth here; 0 asks for that of the screen
 
 // Every port that was made and not disposed of yet.
 std::unordered_set<OpaqueGrafPtr *> &livePorts()
@@ -138,7 +137,7 @@ void SetPort(GrafPtr port)
 
 CGrafPtr CreateNewPort()
 {
-    return newPort(usualScreen, {0, 0});
+    return newPort((*GetMainDevice())->gdRect, {0, 0});
 }
 
 void DisposePort(CGrafPtr port)

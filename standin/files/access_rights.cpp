@@ -8,6 +8,7 @@
 #include "standin/files/metadata.h"
 
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -187,11 +188,21 @@ std::uint32_t modeOfAccessRights(UInt32 rights)
 }   // namespace standin
 
 OSErr PBHGetDirAccessSync(HParmBlkPtr block)
+try
 {
     return block ? block->accessParam.ioResult = getAccess(block->accessParam) : static_cast<OSErr>(paramErr);
 }
+catch (const std::bad_alloc &)
+{
+    return block->accessParam.ioResult = memFullErr;
+}
 
 OSErr PBHSetDirAccessSync(HParmBlkPtr block)
+try
 {
     return block ? block->accessParam.ioResult = setAccess(block->accessParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->accessParam.ioResult = memFullErr;
 }

@@ -12,6 +12,7 @@
 
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 
 using namespace standin;
@@ -318,11 +319,17 @@ void fillSpec(const Object &object, FSSpec &spec)
 }   // namespace standin
 
 OSErr FSGetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap which, FSCatalogInfo *info, HFSUniStr255 *name, FSSpec *spec, FSRef *parent)
+try
 {
     return getCatalogInfo(ref, which, info, name, spec, parent);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSSetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap which, const FSCatalogInfo *info)
+try
 {
     Object object;
     ChangeLock lock;
@@ -337,4 +344,8 @@ OSErr FSSetCatalogInfo(const FSRef *ref, FSCatalogInfoBitmap which, const FSCata
     if (OSErr result = checkLock(object, which, *info))
         return result;
     return applyCatalogInfo(object, which, *info);
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -21,6 +21,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -117,6 +118,11 @@ OSErr getCatInfo(DirInfo &block)
 }   // namespace
 
 OSErr PBGetCatInfoSync(CInfoPBPtr block)
+try
 {
     return block ? block->dirInfo.ioResult = getCatInfo(block->dirInfo) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->dirInfo.ioResult = memFullErr;
 }

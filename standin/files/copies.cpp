@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -305,6 +306,11 @@ OSErr copyFile(const CopyParam &block)
 }   // namespace
 
 OSErr PBHCopyFileSync(HParmBlkPtr block)
+try
 {
     return block ? block->copyParam.ioResult = copyFile(block->copyParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->copyParam.ioResult = memFullErr;
 }

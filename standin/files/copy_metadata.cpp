@@ -82,7 +82,7 @@ OSErr readSidecar(const Object &source, CopiedMetadata &metadata)
     {
     case SidecarState::good: metadata.hasSidecar = true; return noErr;
     case SidecarState::unreadable: return afpAccessDenied;
-    case SidecarState::failing: return ioErr;
+    case SidecarState::failing: return metadata.sidecar.result();
     default: return noErr;
     }
 }

@@ -7,6 +7,7 @@
 #include "standin/files/sidecar_carrying.h"
 
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -71,6 +72,7 @@ OSErr make(const Request &request, Object &object)
 
 OSErr FSCreateFileUnicode(const FSRef *parent, UniCharCount nameLength, const UniChar *name, FSCatalogInfoBitmap which,
                           const FSCatalogInfo *info, FSRef *newRef, FSSpec *newSpec)
+try
 {
     Object object;
     const OSErr result = make({parent, nameLength, name, which, info, false}, object);
@@ -78,9 +80,14 @@ OSErr FSCreateFileUnicode(const FSRef *parent, UniCharCount nameLength, const Un
         giveReference(object, newRef, newSpec);
     return result;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSCreateDirectoryUnicode(const FSRef *parent, UniCharCount nameLength, const UniChar *name, FSCatalogInfoBitmap which,
                                const FSCatalogInfo *info, FSRef *newRef, FSSpec *newSpec, UInt32 *newDirID)
+try
 {
     Object object;
     const OSErr result = make({parent, nameLength, name, which, info, true}, object);
@@ -90,4 +97,8 @@ OSErr FSCreateDirectoryUnicode(const FSRef *parent, UniCharCount nameLength, con
     if (newDirID)
         *newDirID = object.nodeID();
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

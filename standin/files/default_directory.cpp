@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <optional>
 
 using namespace standin;
@@ -122,11 +123,17 @@ OSErr getDefault(StringPtr volumeName, SInt16 *volumeNumber, SInt32 *directoryID
 }   // namespace
 
 OSErr HGetVol(StringPtr volName, SInt16 *vRefNum, SInt32 *dirID)
+try
 {
     return getDefault(volName, vRefNum, dirID);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr HSetVol(ConstStr255Param volName, SInt16 vRefNum, SInt32 dirID)
+try
 {
     Object folder;
     FSVolumeRefNum number = vRefNum;
@@ -139,4 +146,8 @@ OSErr HSetVol(ConstStr255Param volName, SInt16 vRefNum, SInt32 dirID)
     const std::lock_guard lock(theDefault().mutex);
     theDefault().reference = reference;
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -1,6 +1,7 @@
 #include "standin/files/directories.h"
 
 #include "standin/files/change_lock.h"
+#include "standin/files/errors.h"
 #include "standin/files/idle_folders.h"
 #include "standin/files/listings.h"
 #include "standin/files/open_levels.h"
@@ -166,6 +167,8 @@ OSErr descendSlowly(const Volume &volume, FolderHandle start, const std::vector<
     for (const Folder &folder : way)
     {
         Descriptor next = openChild(current->number(), folder.name);
+        if (linux_calls::saysUsedUp(next.number()))
+            return resultFromErrno(-next.number());
         if (!next.isOpen() || !isFolderOf(volume, next.number(), folder.identity))
         {
             UInt32 id;
@@ -200,6 +203,8 @@ OSErr openFolder(const Volume &volume, UInt32 id, FolderHandle &handle, Anchorin
         handle = keep(volume, id, std::move(reached));
         return noErr;
     }
+    if (linux_calls::saysUsedUp(reached.number()))
+        return resultFromErrno(-reached.number());
     return descendSlowly(volume, start, way, handle);
 }
 

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 
 using namespace standin;
@@ -309,6 +310,7 @@ OSErr exchangeLocked(Side &first, Side &second)
 }   // namespace
 
 OSErr FSExchangeObjects(const FSRef *ref, const FSRef *destRef)
+try
 {
     Side first, second;
     ChangeLock lock;
@@ -324,4 +326,8 @@ OSErr FSExchangeObjects(const FSRef *ref, const FSRef *destRef)
     if (OSErr result = checkMayChangePlaces(first.object, second.object))
         return result;
     return exchangeLocked(first, second);
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

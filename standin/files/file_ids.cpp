@@ -8,6 +8,7 @@
 #include "standin/files/short_lookups.h"
 
 #include <algorithm>
+#include <new>
 
 using namespace standin;
 
@@ -213,11 +214,21 @@ OSErr resolveID(FIDParam &block)
 }   // namespace
 
 OSErr PBCreateFileIDRefSync(HParmBlkPtr block)
+try
 {
     return block ? block->fidParam.ioResult = createID(block->fidParam) : static_cast<OSErr>(paramErr);
 }
+catch (const std::bad_alloc &)
+{
+    return block->fidParam.ioResult = memFullErr;
+}
 
 OSErr PBResolveFileIDRefSync(HParmBlkPtr block)
+try
 {
     return block ? block->fidParam.ioResult = resolveID(block->fidParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->fidParam.ioResult = memFullErr;
 }

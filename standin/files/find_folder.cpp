@@ -9,6 +9,7 @@
 #include "standin/files/special_folders.h"
 
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -98,6 +99,7 @@ OSErr findOrMake(const SpecialFolder &wanted, bool mayMake, Object &folder)
 }   // namespace
 
 OSErr FindFolder(SInt16 domain, OSType folderType, Boolean createFolder, SInt16 *foundVRefNum, SInt32 *foundDirID)
+try
 {
     SpecialFolder wanted;
     Object folder;
@@ -114,4 +116,8 @@ OSErr FindFolder(SInt16 domain, OSType folderType, Boolean createFolder, SInt16 
     *foundVRefNum = folder.volume->number;
     *foundDirID = static_cast<SInt32>(folder.nodeID());
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -3,6 +3,7 @@
 #include "standin/files/forks.h"
 
 #include <limits>
+#include <new>
 
 using namespace standin;
 
@@ -57,6 +58,7 @@ OSErr moveMark(OpenFork &fork, UInt16 mode, std::int64_t offset, std::int64_t po
 }   // namespace
 
 OSErr FSGetForkSize(SInt16 number, SInt64 *size)
+try
 {
     const auto fork = findFork(number);
     std::uint64_t bytes;
@@ -70,8 +72,13 @@ OSErr FSGetForkSize(SInt16 number, SInt64 *size)
         *size = static_cast<SInt64>(bytes);
     return result;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSSetForkSize(SInt16 number, UInt16 mode, SInt64 offset)
+try
 {
     const auto fork = findFork(number);
     std::int64_t size;
@@ -87,8 +94,13 @@ OSErr FSSetForkSize(SInt16 number, UInt16 mode, SInt64 offset)
         fork->mark = size;
     return result;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSSetForkPosition(SInt16 number, UInt16 mode, SInt64 offset)
+try
 {
     const auto fork = findFork(number);
     std::int64_t position;
@@ -99,8 +111,13 @@ OSErr FSSetForkPosition(SInt16 number, UInt16 mode, SInt64 offset)
         return result;
     return moveMark(*fork, mode, offset, position);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSReadFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, void *buffer, ByteCount *actual)
+try
 {
     const auto fork = findFork(number);
     std::int64_t position;
@@ -120,8 +137,13 @@ OSErr FSReadFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, voi
         fork->mark = position + static_cast<std::int64_t>(got);
     return result;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSWriteFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, const void *buffer, ByteCount *actual)
+try
 {
     const auto fork = findFork(number);
     std::int64_t position;
@@ -138,4 +160,8 @@ OSErr FSWriteFork(SInt16 number, UInt16 mode, SInt64 offset, ByteCount count, co
     if (result == noErr)
         fork->mark = position + count;
     return result;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -3,11 +3,11 @@
 // The data fork always, whatever its length; then the resource fork if it holds a byte. The caller's record says by itself how far it is:
 // nothing is kept here between two calls, and records may be copied, left or used by several threads.
 #include "platform/platform.h"
-#include "standin/files/errors.h"
 #include "standin/files/forks.h"
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 using namespace standin;
 
@@ -56,7 +56,7 @@ OSErr resourceSizes(const Object &object, ForkSizes &sizes)
     {
     case SidecarState::good: sizes = {sidecar.forkLength(), sidecar.status.allocated}; break;
     case SidecarState::unreadable: return afpAccessDenied;
-    case SidecarState::failing: return sidecar.failure ? resultFromErrno(-sidecar.failure) : static_cast<OSErr>(ioErr);
+    case SidecarState::failing: return sidecar.result();
     default: break;
     }
     return sizes.logical > 0 ? static_cast<OSErr>(noErr) : static_cast<OSErr>(errFSNoMoreItems);
@@ -76,6 +76,7 @@ OSErr sizesOf(const Object &object, NextFork which, ForkSizes &sizes)
 // behind the last fork, again and again; paramErr for null, or a record that is neither fresh nor from here; notAFileErr for a folder; the
 // codes of a reference; the disk's code. Outputs are written only with noErr.
 OSErr FSIterateForks(const FSRef *ref, CatPositionRec *position, HFSUniStr255 *name, SInt64 *size, UInt64 *physicalSize)
+try
 {
     Object object;
     NextFork next;
@@ -99,4 +100,8 @@ OSErr FSIterateForks(const FSRef *ref, CatPositionRec *position, HFSUniStr255 *n
     if (physicalSize)
         *physicalSize = sizes.physical;
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

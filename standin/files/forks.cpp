@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string_view>
 
 using namespace standin;
@@ -189,6 +190,7 @@ OSErr FSGetResourceForkName(HFSUniStr255 *name)
 }
 
 OSErr FSOpenFork(const FSRef *ref, UniCharCount nameLength, const UniChar *name, SInt8 permissions, SInt16 *number)
+try
 {
     Object object;
     const auto fork = std::make_shared<OpenFork>();
@@ -208,10 +210,15 @@ OSErr FSOpenFork(const FSRef *ref, UniCharCount nameLength, const UniChar *name,
     fork->mayRead = permissions != fsWrPerm;
     return addFork(fork, permissions, *number);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 // The number is free from then on, whatever the result: one that is not noErr says that something which was written could not be made sure
 // of.
 OSErr FSCloseFork(SInt16 number)
+try
 {
     const auto fork = removeFork(number);
     if (!fork)
@@ -219,9 +226,14 @@ OSErr FSCloseFork(SInt16 number)
     const std::lock_guard lock(fork->mutex);
     return finishFork(*fork);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SInt16 *actual, FSForkInfo *info, FSRef *ref,
                       HFSUniStr255 *name)
+try
 {
     SInt16 number = refNum;
     if (info)
@@ -244,4 +256,8 @@ OSErr FSGetForkCBInfo(SInt16 refNum, FSVolumeRefNum volume, SInt16 *iterator, SI
     if (name)
         fillForkName(*name, found->second->isResourceFork);
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

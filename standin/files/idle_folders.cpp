@@ -8,9 +8,10 @@
 
 #include <atomic>
 #include <csignal>
+#include <exception>
 #include <mutex>
+#include <new>
 #include <pthread.h>
-#include <system_error>
 #include <thread>
 #include <type_traits>
 #include <unistd.h>
@@ -68,6 +69,17 @@ bool mayEnd(std::size_t left)
     return !keeper.isRunning;
 }
 
+// Nobody is told that there was no memory for the look: the next one will do.
+std::size_t closeWhatCanBe()
+try
+{
+    return closeIdleFolders();
+}
+catch (const std::bad_alloc &)
+{
+    return 1;
+}
+
 void lookAgainAndAgain()
 {
     std::size_t left = 0;
@@ -79,7 +91,7 @@ void lookAgainAndAgain()
             const std::lock_guard lock(keeper.mutex);
             keeper.wasNoted = false;
         }
-        left = closeIdleFolders();
+        left = closeWhatCanBe();
     } while (!mayEnd(left));
 }
 
@@ -94,7 +106,7 @@ bool startThread()
     {
         std::thread(lookAgainAndAgain).detach();
     }
-    catch (const std::system_error &)
+    catch (const std::exception &)   // no more threads, or no memory for one
     {
         isStarted = false;   // the next folder that is kept tries again
     }

@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -319,6 +320,7 @@ bool hasChanged(Level &level)
 }   // namespace
 
 OSErr FSOpenIterator(const FSRef *container, FSIteratorFlags flags, FSIterator *iterator)
+try
 {
     Opening opening;
     if (!iterator)
@@ -333,14 +335,24 @@ OSErr FSOpenIterator(const FSRef *container, FSIteratorFlags flags, FSIterator *
     *iterator = openLevel(std::move(opening.level), std::move(opening.folder));
     return noErr;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSCloseIterator(FSIterator iterator)
+try
 {
     return closeLevel(iterator) ? noErr : errFSIteratorNotFound;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }
 
 OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCount *actualObjects, Boolean *containerChanged,
                            FSCatalogInfoBitmap whichInfo, FSCatalogInfo *catalogInfos, FSRef *refs, FSSpec *specs, HFSUniStr255 *names)
+try
 {
     const LockedLevel level = findLevel(iterator);
     ItemCount count = 0;
@@ -360,4 +372,8 @@ OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCo
     if (containerChanged)
         *containerChanged = hasChanged(*level);
     return result;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

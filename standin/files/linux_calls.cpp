@@ -1,7 +1,6 @@
 #include "standin/files/held_clock.h"
 #include "standin/files/linux_repeated.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -14,7 +13,6 @@
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <vector>
 
 namespace standin
 {
@@ -64,25 +62,6 @@ int status(int descriptor, const char *name, int flags, ObjectStatus &result)
     return failure;
 }
 
-// For disks between which the kernel cannot copy by itself.
-int copyThroughBuffer(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
-{
-    std::vector<std::uint8_t> buffer(std::min<std::uint64_t>(length, 256 * 1024));
-    while (length > 0)
-    {
-        const std::span<std::uint8_t> piece(buffer.data(), std::min<std::uint64_t>(length, buffer.size()));
-        const ssize_t got = linux_calls::readAt(from, piece, fromOffset);
-        if (got <= 0)
-            return got < 0 ? static_cast<int>(got) : -EIO;
-        if (const int failure = linux_calls::writeAt(to, piece.first(static_cast<std::size_t>(got)), toOffset))
-            return failure;
-        fromOffset += static_cast<std::uint64_t>(got);
-        toOffset += static_cast<std::uint64_t>(got);
-        length -= static_cast<std::uint64_t>(got);
-    }
-    return 0;
-}
-
 std::atomic<std::int64_t> heldMilliseconds{0};   // 0: the clocks go
 
 std::int64_t millisecondsOf(clockid_t clock)
@@ -124,6 +103,11 @@ void setCallFilter(CallFilter filter)
     callFilter = filter;
 }
 
+void setMostBytesAtOnce(std::size_t most)
+{
+    mostBytesAtOnce = most;
+}
+
 std::timespec now()
 {
     std::timespec time;
@@ -160,6 +144,11 @@ void sleepMilliseconds(int milliseconds)
 bool saysAbsent(int failure)
 {
     return failure == -ENOENT || failure == -ENAMETOOLONG || failure == -EILSEQ || failure == -EINVAL;
+}
+
+bool saysUsedUp(int failure)
+{
+    return failure == -EMFILE || failure == -ENFILE || failure == -ENOMEM;
 }
 
 int statusAt(int folder, const char *name, ObjectStatus &result)
@@ -326,8 +315,8 @@ ssize_t readAt(int descriptor, std::span<std::uint8_t> bytes, std::uint64_t offs
     std::size_t done = 0;
     while (done < bytes.size())
     {
-        const ssize_t got =
-            repeated([&] { return ::pread(descriptor, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done)); });
+        const std::size_t piece = bytesAtOnce(bytes.size() - done);
+        const ssize_t got = repeated([&] { return ::pread(descriptor, bytes.data() + done, piece, static_cast<off_t>(offset + done)); });
         if (got < 0)
             return got;
         done += static_cast<std::size_t>(got);
@@ -342,8 +331,9 @@ int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t o
     std::size_t done = 0;
     while (done < bytes.size())
     {
+        const std::size_t piece = bytesAtOnce(bytes.size() - done);
         const ssize_t written =
-            repeated([&] { return ::pwrite(descriptor, bytes.data() + done, bytes.size() - done, static_cast<off_t>(offset + done)); });
+            repeated([&] { return ::pwrite(descriptor, bytes.data() + done, piece, static_cast<off_t>(offset + done)); });
         if (written < 0)
             return static_cast<int>(written);
         done += static_cast<std::size_t>(written);
@@ -354,21 +344,6 @@ int writeAt(int descriptor, std::span<const std::uint8_t> bytes, std::uint64_t o
 int setSize(int descriptor, std::uint64_t size)
 {
     return repeated([&] { return ::ftruncate(descriptor, static_cast<off_t>(size)); });
-}
-
-int copyBytes(int from, std::uint64_t fromOffset, int to, std::uint64_t toOffset, std::uint64_t length)
-{
-    auto source = static_cast<off64_t>(fromOffset), target = static_cast<off64_t>(toOffset);
-    while (length > 0)
-    {
-        const ssize_t copied = repeated([&] { return ::copy_file_range(from, &source, to, &target, length, 0); });
-        if (copied < 0)
-            return copyThroughBuffer(from, static_cast<std::uint64_t>(source), to, static_cast<std::uint64_t>(target), length);
-        if (copied == 0)
-            return -EIO;   // the source ended early: somebody cuts it while we copy
-        length -= static_cast<std::uint64_t>(copied);
-    }
-    return 0;
 }
 
 int tryLock(int descriptor)

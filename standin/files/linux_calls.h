@@ -57,9 +57,12 @@ std::uint64_t count();
 void doNotCountOnThisThread();   // what it closes; for a thread that works for nobody
 
 // Lets a test have calls fail: asked before each call, the filter gives 0 or the errno to fail with instead. Closing always closes. Null ends it.
-// It is told the name of the function here that is about to make the call.
+// It is told the name of the function here that is about to make the call. After EINTR the call is made again, as after a signal, and it is asked again.
 using CallFilter = int (*)(const char *call);
 void setCallFilter(CallFilter filter);
+
+// Lets a test have bytes go in pieces, as network disks and signals make them: no call that reads, writes or copies moves more. 0 ends it.
+void setMostBytesAtOnce(std::size_t most);
 
 std::timespec now();                 // the exact clock, never the coarse one
 std::int64_t milliseconds();         // a clock that only goes forward
@@ -68,6 +71,9 @@ void sleepMilliseconds(int milliseconds);
 
 // Whether a look that failed says that nothing has the name, which a disk may not even allow. After any other failure nobody knows.
 bool saysAbsent(int failure);
+
+// Whether a failure says nothing of the disk but only that this process or the machine has no more descriptors or memory.
+bool saysUsedUp(int failure);
 
 int statusAt(int folder, const char *name, ObjectStatus &status);
 int statusOf(int descriptor, ObjectStatus &status);

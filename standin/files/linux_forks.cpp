@@ -49,7 +49,7 @@ ssize_t readPassingBy(int descriptor, std::span<std::uint8_t> bytes, std::uint64
     std::size_t done = 0;
     while (done < bytes.size())
     {
-        const iovec piece{bytes.data() + done, bytes.size() - done};
+        const iovec piece{bytes.data() + done, bytesAtOnce(bytes.size() - done)};
         const ssize_t got = repeated([&] { return ::preadv2(descriptor, &piece, 1, static_cast<off_t>(offset + done), dropBehind); });
         if (got < 0)
             return got;

@@ -69,7 +69,7 @@ int readMountList(std::string &text)
         return list.number();
     for (;;)
     {
-        const ssize_t got = repeated([&] { return ::read(list.number(), buffer, sizeof buffer); });
+        const ssize_t got = repeated([&] { return ::read(list.number(), buffer, bytesAtOnce(sizeof buffer)); });
         if (got <= 0)
             return static_cast<int>(got);
         text.append(buffer, static_cast<std::size_t>(got));

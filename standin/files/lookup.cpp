@@ -6,6 +6,7 @@
 #include "standin/files/short_lookups.h"
 
 #include <algorithm>
+#include <new>
 
 using namespace standin;
 
@@ -70,6 +71,7 @@ OSErr findByTriple(FSVolumeRefNum volumeNumber, SInt32 directoryID, ConstStr255P
 }   // namespace standin
 
 OSErr PBMakeFSRefSync(FSRefParamPtr parameters)
+try
 {
     Object object;
     if (!parameters || !parameters->newRef)
@@ -79,8 +81,13 @@ OSErr PBMakeFSRefSync(FSRefParamPtr parameters)
         *parameters->newRef = rememberedReference(object);
     return parameters->ioResult = result;
 }
+catch (const std::bad_alloc &)
+{
+    return parameters->ioResult = memFullErr;
+}
 
 OSErr PBMakeFSRefUnicodeSync(FSRefParamPtr parameters)
+try
 {
     Object object;
     if (!parameters || !parameters->newRef)
@@ -89,4 +96,8 @@ OSErr PBMakeFSRefUnicodeSync(FSRefParamPtr parameters)
     if (result == noErr)
         *parameters->newRef = rememberedReference(object);
     return parameters->ioResult = result;
+}
+catch (const std::bad_alloc &)
+{
+    return parameters->ioResult = memFullErr;
 }

@@ -92,8 +92,10 @@ void takeSidecar(const Object &object, Attributes &attributes, unsigned parts, M
     if (object.sidecarIsAbsent)
         return;
     const SidecarState state = openSidecar(sidecarPlace(object), false, sidecar);
-    if (state == SidecarState::failing || state == SidecarState::unreadable)
-        attributes.failure = state == SidecarState::failing ? EIO : EACCES;
+    if (state == SidecarState::unreadable)
+        attributes.failure = EACCES;
+    if (state == SidecarState::failing)
+        attributes.failure = sidecar.failure < 0 ? -sidecar.failure : EIO;
     if (state != SidecarState::good)
         return;   // a bad sidecar never makes the data unreadable
     if (!attributes.possible)

@@ -43,7 +43,7 @@ OSErr sidecarPieces(const Object &object, unsigned parts, const Metadata &wanted
     const bool exists = state == SidecarState::good;
     const Sidecar *sidecar = exists ? &present : nullptr;
     if (state == SidecarState::failing)
-        return ioErr;
+        return present.result();
     if (parts & kFinderPart)
         pieces.push_back(pieceOf(kFinderInfoEntry, wanted.finderInfo));
     if (parts & kDatesPart)

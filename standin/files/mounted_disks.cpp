@@ -15,12 +15,6 @@ namespace standin
 namespace
 {
 
-// What says nothing of the disk that was to be opened, but of the process or the machine.
-bool saysNothingOfTheDisk(int failure)
-{
-    return failure == -EMFILE || failure == -ENFILE || failure == -ENOMEM;
-}
-
 // A place on the startup volume itself is no disk of its own.
 bool isRootOfStartup(const std::string &place)
 {
@@ -35,9 +29,9 @@ OSErr lookAt(const std::string &place, bool &isThere, ObjectStatus &status)
     isThere = false;
     const Descriptor root(linux_calls::openAbsoluteFolder(place.c_str()));
     if (!root.isOpen())
-        return saysNothingOfTheDisk(root.number()) ? resultFromErrno(-root.number()) : static_cast<OSErr>(noErr);
+        return linux_calls::saysUsedUp(root.number()) ? resultFromErrno(-root.number()) : static_cast<OSErr>(noErr);
     if (const int failure = linux_calls::statusOf(root.number(), status))
-        return saysNothingOfTheDisk(failure) ? resultFromErrno(-failure) : static_cast<OSErr>(noErr);
+        return linux_calls::saysUsedUp(failure) ? resultFromErrno(-failure) : static_cast<OSErr>(noErr);
     isThere = status.isMountPoint;
     return noErr;
 }

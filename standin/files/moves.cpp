@@ -11,6 +11,7 @@
 #include "standin/files/volume_services.h"
 
 #include <algorithm>
+#include <new>
 
 using namespace standin;
 
@@ -194,6 +195,7 @@ OSErr moveAndRename(const CopyParam &block)
 }   // namespace
 
 OSErr FSMoveObject(const FSRef *ref, const FSRef *directory, FSRef *newRef)
+try
 {
     Object object;
     VolumeHandle volume;
@@ -209,8 +211,13 @@ OSErr FSMoveObject(const FSRef *ref, const FSRef *directory, FSRef *newRef)
     giveReference(object, newRef, nullptr);
     return noErr;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr FSRenameUnicode(const FSRef *ref, UniCharCount nameLength, const UniChar *name, TextEncoding, FSRef *newRef)
+try
 {
     Object object;
     Target target;
@@ -228,8 +235,17 @@ OSErr FSRenameUnicode(const FSRef *ref, UniCharCount nameLength, const UniChar *
     giveReference(object, newRef, nullptr);
     return noErr;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSErr PBHMoveRenameSync(HParmBlkPtr block)
+try
 {
     return block ? block->copyParam.ioResult = moveAndRename(block->copyParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->copyParam.ioResult = memFullErr;
 }

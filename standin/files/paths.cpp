@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
+#include <new>
 
 using namespace standin;
 
@@ -185,6 +186,7 @@ OSErr pathOfObject(const Object &object, std::string &path)
 }   // namespace standin
 
 OSStatus FSPathMakeRef(const UInt8 *path, FSRef *ref, Boolean *isDirectory)
+try
 {
     Object object;
     if (!path || !ref)
@@ -200,8 +202,13 @@ OSStatus FSPathMakeRef(const UInt8 *path, FSRef *ref, Boolean *isDirectory)
         *isDirectory = object.isFolder();
     return noErr;
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSStatus FSRefMakePath(const FSRef *ref, UInt8 *path, UInt32 maximumSize)
+try
 {
     Object object;
     std::string text;
@@ -215,4 +222,8 @@ OSStatus FSRefMakePath(const FSRef *ref, UInt8 *path, UInt32 maximumSize)
         return errFSNameTooLong;
     std::memcpy(path, text.c_str(), text.size() + 1);
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

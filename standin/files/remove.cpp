@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <new>
 
 using namespace standin;
 
@@ -171,7 +172,12 @@ OSErr removeFound(const FSRef *reference)
 
 // A name that another program replaces between the look and the removal is lost, as with rm: Linux cannot remove by identity.
 OSErr FSDeleteObject(const FSRef *ref)
+try
 {
     OSErr result = noErr;
     return removeHandedOut(ref, result) ? result : removeFound(ref);
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -96,7 +96,7 @@ OSErr resultFrom(SidecarState state, const Sidecar &sidecar)
     case SidecarState::absent:
     case SidecarState::good: return noErr;
     case SidecarState::unreadable: return afpAccessDenied;
-    case SidecarState::failing: return sidecar.failure ? resultFromErrno(-sidecar.failure) : static_cast<OSErr>(ioErr);
+    case SidecarState::failing: return sidecar.result();
     default: return ioErr;
     }
 }

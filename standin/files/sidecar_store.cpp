@@ -277,6 +277,11 @@ bool Sidecar::read(std::uint32_t id, std::span<std::uint8_t> bytes) const
     return linux_calls::readAt(file.number(), bytes, entry->offset) == static_cast<ssize_t>(bytes.size());
 }
 
+OSErr Sidecar::result() const
+{
+    return failure < 0 ? resultFromErrno(-failure) : static_cast<OSErr>(ioErr);
+}
+
 SidecarState openSidecar(const SidecarPlace &place, bool forWriting, Sidecar &sidecar)
 {
     if (!hasRoomForSidecar(place.name))
@@ -308,7 +313,7 @@ OSErr updateSidecar(const SidecarPlace &place, std::span<const SidecarPiece> pie
     {
     case SidecarState::good: return updateOpen(place, sidecar, pieces);
     case SidecarState::unreadable: return afpAccessDenied;
-    case SidecarState::failing: return ioErr;
+    case SidecarState::failing: return sidecar.result();
     default: return noErr;
     }
 }
@@ -321,6 +326,7 @@ OSErr completeSidecar(const SidecarPlace &place, std::span<const SidecarPiece> p
     case SidecarState::absent: return makeSidecar(place, pieces);
     case SidecarState::good: return holdsAll(sidecar, pieces) ? updateOpen(place, sidecar, pieces) : rebuild(place, sidecar, pieces);
     case SidecarState::unreadable: return afpAccessDenied;
+    case SidecarState::failing: return sidecar.result();
     default: return ioErr;
     }
 }
@@ -344,7 +350,7 @@ OSErr openGrowingFork(const SidecarPlace &place, const FinderBytes &finderInfo, 
         state = openSidecar(place, true, sidecar);
     }
     if (state != SidecarState::good)
-        return state == SidecarState::unreadable ? afpAccessDenied : ioErr;
+        return state == SidecarState::unreadable ? afpAccessDenied : state == SidecarState::failing ? sidecar.result() : OSErr{ioErr};
     if (forkCanGrow(sidecar) && sidecar.status.links == 1)
         return resultFromErrno(-unmark(sidecar));
     if (OSErr result =

@@ -35,6 +35,7 @@ struct Sidecar
     bool forkIsBlank = false;               // on purpose
     int failure = 0;                        // where the state is `failing` because it could not even be opened: the negative errno
 
+    OSErr result() const;               // for the state `failing`
     std::uint64_t forkLength() const;   // 0 if there is none, or one that was left blank on purpose
 
     // The first `bytes.size()` bytes of an entry. False if it is missing or shorter.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <vector>
 
 using namespace standin;
@@ -73,11 +74,21 @@ OSErr mapName(ObjParam &block)
 }   // namespace
 
 OSErr PBHMapIDSync(HParmBlkPtr block)
+try
 {
     return block ? block->objParam.ioResult = mapID(block->objParam) : static_cast<OSErr>(paramErr);
 }
+catch (const std::bad_alloc &)
+{
+    return block->objParam.ioResult = memFullErr;
+}
 
 OSErr PBHMapNameSync(HParmBlkPtr block)
+try
 {
     return block ? block->objParam.ioResult = mapName(block->objParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->objParam.ioResult = memFullErr;
 }

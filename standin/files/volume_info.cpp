@@ -6,6 +6,7 @@
 #include "standin/files/references.h"
 
 #include <algorithm>
+#include <new>
 #include <sys/statvfs.h>
 
 using namespace standin;
@@ -112,6 +113,7 @@ OSErr volumeOfNumber(FSVolumeRefNum number, VolumeHandle &volume, RootHandle &ro
 
 OSErr FSGetVolumeInfo(FSVolumeRefNum number, ItemCount index, FSVolumeRefNum *actual, FSVolumeInfoBitmap which, FSVolumeInfo *info,
                       HFSUniStr255 *name, FSRef *rootReference)
+try
 {
     VolumeHandle volume;
     RootHandle opened;   // so that the disk stays there until all is told
@@ -135,4 +137,8 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum number, ItemCount index, FSVolumeRefNum *ac
     if (actual)
         *actual = volume->number;
     return noErr;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

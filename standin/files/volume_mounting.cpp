@@ -15,6 +15,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <mutex>
+#include <new>
 
 using namespace standin;
 
@@ -244,16 +245,31 @@ OSErr mountVolume(IOParam &block)
 }   // namespace
 
 OSErr PBGetVolMountInfoSize(ParmBlkPtr block)
+try
 {
     return block ? block->ioParam.ioResult = getSize(block->ioParam) : static_cast<OSErr>(paramErr);
 }
+catch (const std::bad_alloc &)
+{
+    return block->ioParam.ioResult = memFullErr;
+}
 
 OSErr PBGetVolMountInfo(ParmBlkPtr block)
+try
 {
     return block ? block->ioParam.ioResult = getRecord(block->ioParam) : static_cast<OSErr>(paramErr);
 }
+catch (const std::bad_alloc &)
+{
+    return block->ioParam.ioResult = memFullErr;
+}
 
 OSErr PBVolumeMount(ParmBlkPtr block)
+try
 {
     return block ? block->ioParam.ioResult = mountVolume(block->ioParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->ioParam.ioResult = memFullErr;
 }

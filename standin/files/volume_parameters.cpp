@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace standin
 {
@@ -66,6 +67,11 @@ OSErr getParameters(IOParam &block)
 }   // namespace
 
 OSErr PBHGetVolParmsSync(HParmBlkPtr block)
+try
 {
     return block ? block->ioParam.ioResult = getParameters(block->ioParam) : static_cast<OSErr>(paramErr);
+}
+catch (const std::bad_alloc &)
+{
+    return block->ioParam.ioResult = memFullErr;
 }

@@ -64,7 +64,7 @@ Screen *screenOfDisplay(std::string &problem)
     }
     const char *reason = "";
     Screen *screen = open(&reason);
-    problem = screen == nullptr ? reason : "";
+    problem = screen == nullptr ? std::string("the display cannot be opened (") + reason + ")" : "";
     return screen;
 }
 

@@ -24,6 +24,13 @@ Rect atOrigin(Rect rect)
     return {0, 0, static_cast<SInt16>(rect.bottom - rect.top), static_cast<SInt16>(rect.right - rect.left)};
 }
 
+// Keys go to the window that is in front now.
+void raiseFront()
+{
+    if (WindowRef front = FrontWindow())
+        theScreen().raiseWindow(front->screenWindow);
+}
+
 }   // namespace
 
 namespace standin
@@ -68,6 +75,7 @@ void DisposeWindow(WindowRef window)
     forgetEventsOf(window);
     DisposePort(window->port);
     delete window;
+    raiseFront();
 }
 
 // It comes to the front of those that are shown.
@@ -89,6 +97,7 @@ void HideWindow(WindowRef window)
         return;
     window->isShown = false;
     theScreen().hideWindow(window->screenWindow);
+    raiseFront();
 }
 
 Boolean IsWindowVisible(WindowRef window)

@@ -2,7 +2,7 @@
 //
 // What a caller may count on beyond the declarations:
 // - Text that is no text of its encoding is not appended at all, and neither is one that would take a string beyond the length that it was
-//   made with (0: no limit). Nothing tells the caller so but the string's length.
+//   made with (0: no limit), or for which there is no memory. Nothing tells the caller so but the string's length.
 // - CFStringGetCString writes the whole text and its terminator, or nothing: after a false the buffer is as it was. UTF-16 has a
 //   terminator as far as there is room for one.
 // - A C string in UTF-16 ends before its first unit of zero.
@@ -40,10 +40,14 @@ std::size_t lengthOfCString(const char *text, CFStringEncoding encoding)
 }
 
 void append(OpaqueCFString &string, std::string_view bytes, CFStringEncoding encoding)
+try
 {
     std::u16string more;
     if (unicodeFromBytes(bytes, encoding, more) && more.size() <= string.mostUnits - string.units.size())
         string.units += more;
+}
+catch (const std::bad_alloc &)   // nothing is appended
+{
 }
 
 }   // namespace
@@ -69,6 +73,7 @@ void CFStringAppendCString(CFMutableStringRef string, const char *text, CFString
 }
 
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize, CFStringEncoding encoding)
+try
 {
     std::string bytes;
     if (!string || !buffer || bufferSize <= 0 || !bytesFromUnicode(string->units, encoding, bytes))
@@ -81,6 +86,10 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
     std::copy(bytes.begin(), bytes.end(), buffer);
     std::fill_n(buffer + bytes.size(), std::min(terminator, size - bytes.size()), '\0');
     return true;
+}
+catch (const std::bad_alloc &)
+{
+    return false;
 }
 
 CFIndex CFStringGetLength(CFStringRef string)

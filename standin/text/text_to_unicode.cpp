@@ -7,6 +7,7 @@
 #include "standin/text/unicode_forms.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 using namespace standin;
@@ -99,19 +100,30 @@ OSStatus convert(const Mapping &mapping, std::string_view text, OptionBits flags
 }   // namespace
 
 OSStatus CreateTextToUnicodeInfo(const UnicodeMapping *mapping, TextToUnicodeInfo *converter)
+try
 {
     return createConverter(openConverters(), mapping, converter);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSStatus DisposeTextToUnicodeInfo(TextToUnicodeInfo *converter)
+try
 {
     return disposeConverter(openConverters(), converter);
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }
 
 // Half a unit of room at the end of an odd capacity is left alone.
 OSStatus ConvertFromTextToUnicode(TextToUnicodeInfo converter, ByteCount inputLength, const void *input, OptionBits flags,
                                   ItemCount offsetCount, const ByteOffset *, ItemCount *outputOffsetCount, ByteOffset *,
                                   ByteCount outputCapacity, ByteCount *bytesRead, ByteCount *bytesWritten, UniChar *output)
+try
 {
     if (!beginConversion({inputLength, input, offsetCount, outputOffsetCount, outputCapacity, bytesRead, bytesWritten, output}))
         return paramErr;
@@ -124,4 +136,8 @@ OSStatus ConvertFromTextToUnicode(TextToUnicodeInfo converter, ByteCount inputLe
     *bytesRead = static_cast<ByteCount>(read);
     *bytesWritten = static_cast<ByteCount>(written * sizeof(UniChar));
     return result;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -7,6 +7,7 @@
 #include "standin/text/text_converters.h"
 #include "standin/text/unicode_forms.h"
 
+#include <new>
 #include <unicode/utf16.h>
 
 #include <cstring>
@@ -127,18 +128,29 @@ OSStatus convert(const CodeTable &table, std::u16string_view text, OptionBits fl
 }   // namespace
 
 OSStatus CreateUnicodeToTextInfo(const UnicodeMapping *mapping, UnicodeToTextInfo *converter)
+try
 {
     return createConverter(openConverters(), mapping, converter);
 }
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
+}
 
 OSStatus DisposeUnicodeToTextInfo(UnicodeToTextInfo *converter)
+try
 {
     return disposeConverter(openConverters(), converter);
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }
 
 OSStatus ConvertFromUnicodeToText(UnicodeToTextInfo converter, ByteCount inputLength, const UniChar *input, OptionBits flags,
                                   ItemCount offsetCount, const ByteOffset *, ItemCount *outputOffsetCount, ByteOffset *,
                                   ByteCount outputCapacity, ByteCount *bytesRead, ByteCount *bytesWritten, void *output)
+try
 {
     if (!beginConversion({inputLength, input, offsetCount, outputOffsetCount, outputCapacity, bytesRead, bytesWritten, output}))
         return paramErr;
@@ -154,4 +166,8 @@ OSStatus ConvertFromUnicodeToText(UnicodeToTextInfo converter, ByteCount inputLe
     *bytesWritten = static_cast<ByteCount>(written);
     const bool endsInHalfAUnit = inputLength % sizeof(UniChar) != 0 && read == text.size();
     return endsInHalfAUnit ? kTextMalformedInputErr : result;
+}
+catch (const std::bad_alloc &)
+{
+    return memFullErr;
 }

@@ -2,21 +2,15 @@
 // left over is seen by nobody and goes with the next changes.
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
+#include "tests/standin/tracing.h"
 
 #include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <set>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-// Not named by every C library yet.
-#ifndef PTRACE_GET_SYSCALL_INFO
-#define PTRACE_GET_SYSCALL_INFO 0x420e
-#endif
 
 namespace
 {
@@ -78,61 +72,6 @@ const Role actsOnce("actsOnceUnderATracer", [](const RoleArguments &arguments) {
     raise(result == noErr ? SIGSTOP : SIGUSR1);
     _exit(0);
 });
-
-// The part of the kernel's record that is used here.
-struct SystemCall
-{
-    std::uint8_t kind, padding[3];
-    std::uint32_t architecture;
-    std::uint64_t instruction, stack, number, arguments[6];
-};
-
-bool changesTheDisk(const SystemCall &call)
-{
-    static const std::set<std::uint64_t> changing{
-        SYS_write,    SYS_pwrite64,        SYS_pwritev,      SYS_ftruncate,    SYS_fallocate,
-        SYS_linkat,   SYS_renameat,        SYS_renameat2,    SYS_unlinkat,     SYS_mkdirat,
-        SYS_setxattr, SYS_lsetxattr,       SYS_fsetxattr,    SYS_fchmodat,     SYS_removexattr,
-        SYS_fchownat, SYS_copy_file_range, SYS_lremovexattr, SYS_utimensat,    SYS_fchmod,
-        SYS_fchown,   SYS_symlinkat,       SYS_ioctl,        SYS_fremovexattr, 463 /* setxattrat */,
-        466 /* removexattrat */};
-    bool opensNew = call.number == SYS_openat && (call.arguments[2] & (O_CREAT | (O_TMPFILE & ~O_DIRECTORY)));
-    return opensNew || changing.count(call.number) > 0;
-}
-
-// Lets the process go on to its next stop. False once it has ended.
-bool nextStop(pid_t process, int &status)
-{
-    ptrace(PTRACE_SYSCALL, process, nullptr, nullptr);
-    return waitpid(process, &status, __WALL) == process && WIFSTOPPED(status);
-}
-
-enum class End
-{
-    cutOff,
-    done,
-    failed,
-};
-
-// Runs to the nth changing call and ends the process there, before the call is made.
-End runUpTo(pid_t process, int nth)
-{
-    int status = 0;
-    if (waitpid(process, &status, __WALL) != process || !WIFSTOPPED(status))
-        return End::failed;
-    ptrace(PTRACE_SETOPTIONS, process, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    while (nextStop(process, status))
-    {
-        SystemCall call{};
-        if (WSTOPSIG(status) == SIGSTOP || WSTOPSIG(status) == SIGUSR1)
-            return WSTOPSIG(status) == SIGSTOP ? End::done : End::failed;
-        bool entering = WSTOPSIG(status) == (SIGTRAP | 0x80) &&
-                        ptrace(static_cast<__ptrace_request>(PTRACE_GET_SYSCALL_INFO), process, sizeof call, &call) > 0 && call.kind == 1;
-        if (entering && changesTheDisk(call) && --nth == 0)
-            return End::cutOff;
-    }
-    return End::failed;
-}
 
 using Row = std::tuple<DiskKind, const char *>;
 

@@ -4,7 +4,9 @@
 #include "standin/files/directories.h"
 #include "standin/files/linux_calls.h"
 
+#include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <ostream>
@@ -71,6 +73,32 @@ private:
             now.failed = call;
         return now.fault.errorNumber;
     }
+};
+
+// While it lives, each call is interrupted twice before it is made.
+class InterruptedCalls
+{
+public:
+    InterruptedCalls()
+    {
+        standin::linux_calls::setCallFilter([](const char *) {
+            static std::atomic<unsigned> asked{0};
+            return ++asked % 3 == 0 ? 0 : EINTR;
+        });
+    }
+    ~InterruptedCalls() { standin::linux_calls::setCallFilter(nullptr); }
+    InterruptedCalls(const InterruptedCalls &) = delete;
+    InterruptedCalls &operator=(const InterruptedCalls &) = delete;
+};
+
+// While it lives, no call reads, writes or copies more than so many bytes.
+class BytesInPieces
+{
+public:
+    explicit BytesInPieces(std::size_t most) { standin::linux_calls::setMostBytesAtOnce(most); }
+    ~BytesInPieces() { standin::linux_calls::setMostBytesAtOnce(0); }
+    BytesInPieces(const BytesInPieces &) = delete;
+    BytesInPieces &operator=(const BytesInPieces &) = delete;
 };
 
 // How many descriptors are open when the cache of folders is empty.

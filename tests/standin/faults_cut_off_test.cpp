@@ -98,6 +98,7 @@ TEST_P(CutOffByFault, LeavesAllAsBeforeOrAsAfter)
         ++nth;
     EXPECT_GT(nth, 3);
     EXPECT_LT(nth, 1000);
+    RecordProperty("kills", nth - 1);
 }
 
 EVERY_CHANGE_ON_TWO_DISKS(CutOffByFault);

@@ -1,10 +1,13 @@
 // Every way to read, with each of its system calls failing in turn: an error or the truth, a metadata item that could not be read
 // at its default, never another object, never a change on the disk. (A call that says ENOENT tells of an object that is gone, and is no failure.)
+#include "tests/standin/failing_memory.h"
 #include "tests/standin/faults_calls.h"
 #include "tests/standin/faults_changes.h"
+#include "tests/standin/faults_errnos.h"
 #include "tests/standin/faults_scene.h"
 
 #include <cerrno>
+#include <new>
 
 namespace
 {
@@ -188,6 +191,9 @@ protected:
 
     OSErr read(Answer &answer) const { return std::get<1>(GetParam()).read(scene_, answer); }
     bool readWith(const Fault &fault);
+    bool readWithout(long nth);
+    Answer right_;
+    int failures_ = 0;
 
 private:
     void makeScene()
@@ -210,7 +216,7 @@ private:
 
     std::optional<TemporaryFolder> folder_;
     ReadingScene scene_{};
-    Answer right_, defaults_;
+    Answer defaults_;
     std::string onDisk_;
 };
 
@@ -249,6 +255,7 @@ bool FaultsInReading::readWith(const Fault &fault)
     {
         EXPECT_EQ(answer.size(), right_.size()) << difference(right_, answer);
     }
+    failures_ += FaultyCalls::reached();
     return FaultyCalls::reached();
 }
 
@@ -259,12 +266,79 @@ TEST_P(FaultsInReading, GiveAnErrorOrTheTruth)
     while (reached && nth < 1000)
     {
         ++nth;
-        for (int errorNumber : {EIO, EACCES, EMFILE})
-            reached = readWith({nth, errorNumber, false});
+        reached = readWith({nth, EIO, false});
+        if (!reached)
+            break;
+        const std::string call = FaultyCalls::failedCall();
+        EXPECT_FALSE(errorNumbersOf(call).empty()) << "nobody says with which error numbers " << call << " can fail";
+        for (const int errorNumber : errorNumbersOf(call))
+            if (errorNumber != ESTALE)   // which says that the object is gone
+                readWith({nth, errorNumber, false});
         readWith({nth, EIO, true});
     }
     EXPECT_GT(nth, 2);
     EXPECT_LT(nth, 1000);
+    RecordProperty("failures", failures_);
+}
+
+// The test's own pieces of memory are among those that cannot be had.
+bool FaultsInReading::readWithout(long nth)
+{
+    SCOPED_TRACE(testing::Message() << "piece of memory " << nth);
+    Answer answer;
+    OSErr result = memFullErr;
+    {
+        const FailingMemory failing(nth, false);
+        try
+        {
+            result = read(answer);
+        }
+        catch (const std::bad_alloc &)
+        {
+            answer.clear();
+        }
+    }
+    const bool wasReached = FailingMemory::reached();
+    EXPECT_TRUE(result == noErr || (wasReached && result == memFullErr)) << result;
+    for (const auto &[item, value] : answer)
+        EXPECT_EQ(right_.at(item), value) << item;
+    return wasReached;
+}
+
+TEST_P(FaultsInReading, GiveAnErrorOrTheTruthWithoutMemory)
+{
+    long nth = 1;
+    while (nth < 3000 && readWithout(nth))
+        ++nth;
+    EXPECT_LT(nth, 3000);
+    RecordProperty("failures", static_cast<int>(nth - 1));
+}
+
+TEST_P(FaultsInReading, DoNotComeFromCallsThatAreInterrupted)
+{
+    Answer answer;
+    OSErr result;
+    {
+        const InterruptedCalls interrupted;
+        result = read(answer);
+    }
+    EXPECT_EQ(result, noErr);
+    EXPECT_EQ(answer, right_) << difference(right_, answer);
+}
+
+TEST_P(FaultsInReading, DoNotComeFromBytesThatArriveInPieces)
+{
+    for (const std::size_t most : {1u, 7u})
+    {
+        Answer answer;
+        OSErr result;
+        {
+            const BytesInPieces pieces(most);
+            result = read(answer);
+        }
+        EXPECT_EQ(result, noErr);
+        EXPECT_EQ(answer, right_) << difference(right_, answer);
+    }
 }
 
 std::string rowName(const testing::TestParamInfo<Row> &row)

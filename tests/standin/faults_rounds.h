@@ -36,6 +36,9 @@ protected:
 
     const Change &change() const { return *std::get<1>(GetParam()); }
 
+    // Its place among all changes.
+    std::size_t number() const { return static_cast<std::size_t>(&change() - everyChange().data()); }
+
     std::string makeScene()
     {
         std::string directory = *folder_ / std::to_string(++rounds_);

@@ -1,4 +1,5 @@
-// A disk without a free block: changes are refused with dskFulErr, and what was there stays.
+// A disk without a free block, or one whose user has used up his share: changes are refused with dskFulErr, and what was there stays.
+#include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
 #include <cerrno>
@@ -10,9 +11,39 @@ namespace
 
 using namespace support;
 
+// While it lives, no more than this fits onto a btrfs disk, which counts in groups.
+class Share
+{
+public:
+    explicit Share(const std::string &place) : place_(place)
+    {
+        const Ended ended = runShell("btrfs quota enable '" + place + "' && btrfs qgroup limit 8M 0/5 '" + place + "'");
+        if (ended.status != 0)
+            problem_ = "no shares of a disk here: " + ended.output;
+    }
+    ~Share() { runShell("btrfs qgroup limit none 0/5 '" + place_ + "'; btrfs quota disable '" + place_ + "'"); }
+    Share(const Share &) = delete;
+    Share &operator=(const Share &) = delete;
+    const std::string &problem() const { return problem_; }
+
+private:
+    std::string place_, problem_;
+};
+
 class FullDisk : public DiskTest
 {
 protected:
+    void SetUp() override
+    {
+        DiskTest::SetUp();
+        if (IsSkipped() || GetParam() != DiskKind::btrfs)
+            return;
+        share_.emplace(folder().path());
+        if (!share_->problem().empty())
+            GTEST_SKIP() << share_->problem();
+    }
+    void TearDown() override { share_.reset(); }
+
     FSRef fileRef(const std::string &name)
     {
         writeFile(folder() / name, "data");
@@ -28,7 +59,7 @@ protected:
         for (std::size_t size = piece.size(); size > 0;)
         {
             ssize_t written = write(ballast, piece.data(), size);
-            if (written < 0 && errno == ENOSPC)
+            if (written < 0 && (errno == ENOSPC || errno == EDQUOT))
                 size /= 2;
             else
                 ASSERT_GT(written, 0);
@@ -36,7 +67,15 @@ protected:
         fsync(ballast);
         close(ballast);
     }
-    void makeRoom() { unlink((folder() / "ballast").c_str()); }
+    void makeRoom()
+    {
+        unlink((folder() / "ballast").c_str());
+        if (share_)
+            runShell("sync -f '" + folder().path() + "'");   // a share is counted when the disk comes to it
+    }
+
+private:
+    std::optional<Share> share_;
 };
 
 bool doneOrFull(OSErr result)
@@ -95,6 +134,8 @@ TEST_P(FullDisk, RenamesMovesAndDeletionsLoseNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(SomeDisks, FullDisk,
-                         testing::Values(DiskKind::tmpfs, DiskKind::ext4, DiskKind::ext4Small, DiskKind::xfs, DiskKind::overlay), diskName);
+                         testing::Values(DiskKind::tmpfs, DiskKind::ext4, DiskKind::ext4Small, DiskKind::xfs, DiskKind::btrfs,
+                                         DiskKind::overlay),
+                         diskName);
 
 }   // namespace

@@ -137,9 +137,15 @@ protected:
         display_ = std::make_unique<RealDisplay>();
         ASSERT_TRUE(display_->isThere());
         std::filesystem::create_directories(pictures_);
-        const std::string line = "exec " + host_tests::built("zerb") + " dialog >" + path("told") + " 2>&1";
+        const std::string line = "exec " + built("zerb") + " dialog >" + path("told") + " 2>&1";
         host_.emplace(support::start({"sh", "-c", line}, {"DISPLAY=" + display_->name(), "SDL_VIDEODRIVER=", "WAYLAND_DISPLAY="}));
         ASSERT_TRUE(shows(folderPixel, folderColor)) << told();
+    }
+
+    void TearDown() override
+    {
+        if (HasFailure())
+            ADD_FAILURE() << "the host told: " << told();
     }
 
     std::string told() const
@@ -183,7 +189,7 @@ protected:
     }
     void expectEnd() { EXPECT_EQ(host_->wait().status, 0); }
 
-    const std::filesystem::path pictures_ = std::filesystem::path(host_tests::built("zerb")).parent_path().parent_path() / "display";
+    const std::filesystem::path pictures_ = std::filesystem::path(built("zerb")).parent_path().parent_path() / "display";
     std::unique_ptr<RealDisplay> display_;
     std::optional<support::Running> host_;
 };

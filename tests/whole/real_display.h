@@ -15,7 +15,7 @@ namespace host_tests
 {
 
 // Looks again and again until it is so. Result: false if it is not after so many seconds.
-bool comesTrue(const std::function<bool()> &condition, int seconds = 20);
+bool comesTrue(const std::function<bool()> &condition, int seconds = 10);
 
 // An X server without a screen, which keeps its pixels in a file. It ends with the object.
 class RealDisplay

@@ -31,6 +31,19 @@ EventModifiers modifiersNow()
                                        when(KMOD_GUI, cmdKey) | when(KMOD_CAPS, alphaLock));
 }
 
+// SDL's own waiting goes wrong when a window was closed meanwhile: it wakes itself up by a message to that window, which ends the program.
+void awaitEvent(Uint64 milliseconds)
+{
+    constexpr Uint64 mostAtOnce = 5;
+    for (const Uint64 end = SDL_GetTicks64() + milliseconds; SDL_GetTicks64() < end;)
+    {
+        SDL_PumpEvents();
+        if (SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT))
+            return;
+        SDL_Delay(static_cast<Uint32>(std::min(mostAtOnce, milliseconds)));
+    }
+}
+
 struct KeyCharacter
 {
     SDL_Keycode key;
@@ -87,11 +100,14 @@ ScreenWindow SdlScreen::openWindow(const WindowLook &look)
         return 0;
     const auto number = static_cast<ScreenWindow>(SDL_GetWindowID(window));
     windows_[number] = window;
+    if (look.isPopUp && popUps_.insert(number).second)
+        belowPopUp_ = static_cast<ScreenWindow>(SDL_GetWindowID(SDL_GetKeyboardFocus()));
     return number;
 }
 
 void SdlScreen::closeWindow(ScreenWindow window)
 {
+    hideWindow(window);
     if (SDL_Window *found = find(window))
         SDL_DestroyWindow(found);
     windows_.erase(window);
@@ -109,12 +125,20 @@ void SdlScreen::hideWindow(ScreenWindow window)
 {
     if (SDL_Window *found = find(window))
         SDL_HideWindow(found);
+    if (popUps_.erase(window) == 0)
+        return;
+    SDL_CaptureMouse(SDL_FALSE);
+    if (SDL_Window *below = find(belowPopUp_))
+        SDL_SetWindowInputFocus(below);
 }
 
 void SdlScreen::raiseWindow(ScreenWindow window)
 {
-    if (SDL_Window *found = find(window))
-        SDL_RaiseWindow(found);
+    SDL_Window *found = find(window);
+    if (found == nullptr)
+        return;
+    SDL_RaiseWindow(found);
+    SDL_SetWindowInputFocus(found);   // where there is no window manager to do it
 }
 
 void SdlScreen::moveWindow(ScreenWindow window, Point where)
@@ -150,16 +174,28 @@ void SdlScreen::present(ScreenWindow window, const Pixel *pixels, int width, con
 void SdlScreen::poll()
 {
     if (SDL_GetTicks64() - lastPoll_ < millisecondsBetweenPolls)
-        SDL_WaitEventTimeout(nullptr, static_cast<int>(millisecondsBetweenPolls));
+        awaitEvent(millisecondsBetweenPolls);
     takeEvents();
+    if (!popUps_.empty())
+        captureMouse();
     noteMouse();
     lastPoll_ = SDL_GetTicks64();
+}
+
+// As long as a pop-up is open, presses and releases elsewhere belong to it too. Where there is no window manager, SDL gives it the keyboard and
+// lets go of the mouse with that, some time after it was shown.
+void SdlScreen::captureMouse()
+{
+    for (const auto &[number, window] : windows_)
+        if ((SDL_GetWindowFlags(window) & SDL_WINDOW_MOUSE_CAPTURE) != 0)
+            return;
+    SDL_CaptureMouse(SDL_TRUE);
 }
 
 void SdlScreen::wait(UInt32 ticks)
 {
     constexpr UInt32 mostTicks = 60 * 60;
-    SDL_WaitEventTimeout(nullptr, static_cast<int>(std::min(ticks, mostTicks) * 1000 / 60 + 1));
+    awaitEvent(std::min(ticks, mostTicks) * 1000 / 60 + 1);
 }
 
 void SdlScreen::takeEvents()
@@ -173,6 +209,7 @@ void SdlScreen::take(const SDL_Event &event)
     switch (event.type)
     {
     case SDL_WINDOWEVENT: return takeWindowEvent(event.window);
+    case SDL_MOUSEMOTION: return takeMotion(static_cast<ScreenWindow>(event.motion.windowID), event.motion.x, event.motion.y);
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP: return takeButton(event.button);
     case SDL_KEYDOWN: return takeKey(event.key);
@@ -197,16 +234,23 @@ void SdlScreen::takeWindowEvent(const SDL_WindowEvent &event)
     }
 }
 
+void SdlScreen::takeMotion(ScreenWindow window, int h, int v)
+{
+    const Point content = placeOf(window);
+    if (find(window) != nullptr)
+        mouse_.where = pointAt(content.h + h, content.v + v);
+}
+
 // There is one button; the others are none.
 void SdlScreen::takeButton(const SDL_MouseButtonEvent &event)
 {
     if (event.button != SDL_BUTTON_LEFT)
         return;
     const auto window = static_cast<ScreenWindow>(event.windowID);
-    const Point content = placeOf(window);
-    mouse_.where = pointAt(content.h + event.x, content.v + event.y);
-    mouse_.isDown = event.type == SDL_MOUSEBUTTONDOWN;
-    add(mouse_.isDown ? Input::Kind::press : Input::Kind::release, window).where = mouse_.where;
+    const bool isDown = event.type == SDL_MOUSEBUTTONDOWN;
+    takeMotion(window, event.x, event.y);
+    if (isDown != mouse_.isDown)
+        addButton(window, isDown);
 }
 
 void SdlScreen::takeKey(const SDL_KeyboardEvent &event)
@@ -242,19 +286,39 @@ Input &SdlScreen::add(Input::Kind kind, ScreenWindow window)
     return inputs_.emplace_back(input);
 }
 
-// Where the mouse is also outside all windows, and whether the button is still held: a release that another program got is one too.
+// Where the mouse is also outside all windows, and whether the button is still held: a release that another program got is one too. SDL may tell what
+// was some time ago, while the button is held, so this counts only where it changes, and motion that is an event counts as well.
 void SdlScreen::noteMouse()
 {
     int h = 0, v = 0;
     const bool isDown = (SDL_GetGlobalMouseState(&h, &v) & SDL_BUTTON_LMASK) != 0;
-    mouse_.where = pointAt(h, v);
+    const Point told = pointAt(h, v);
+    if (told.h != lastTold_.h || told.v != lastTold_.v)
+        mouse_.where = lastTold_ = told;
     mouse_.modifiers = modifiersNow();
-    if (mouse_.isDown && !isDown)
-    {
-        takeEvents();   // the release itself may just have come
-        if (std::exchange(mouse_.isDown, false))
-            add(Input::Kind::release, 0);
-    }
+    if (mouse_.isDown && isDown)
+        wasToldDown_ = true;
+    else if (mouse_.isDown && wasToldDown_)
+        noteLostRelease();
+    else if (!mouse_.isDown && isDown && hasLostRelease_ && SDL_GetMouseFocus() != nullptr)
+        addButton(static_cast<ScreenWindow>(SDL_GetWindowID(SDL_GetMouseFocus())), true);
+}
+
+// SDL goes on to think that the button is held, and will not tell of the next press.
+void SdlScreen::noteLostRelease()
+{
+    takeEvents();   // the release itself may just have come
+    if (!mouse_.isDown)
+        return;
+    addButton(0, false);
+    hasLostRelease_ = true;
+}
+
+void SdlScreen::addButton(ScreenWindow window, bool isDown)
+{
+    wasToldDown_ = hasLostRelease_ = false;
+    mouse_.isDown = isDown;
+    add(isDown ? Input::Kind::press : Input::Kind::release, window);
 }
 
 bool SdlScreen::takeInput(Input &input)
@@ -278,6 +342,12 @@ UInt32 SdlScreen::ticks()
 namespace
 {
 
+bool isSet(const char *variable)
+{
+    const char *value = SDL_getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
 // A program that is interrupted ends as it would without a window. Windows are drawn by us, so no graphics card is needed; pop-ups have to be placed
 // exactly, which Wayland allows only through its X server.
 void setHints()
@@ -288,8 +358,9 @@ void setHints()
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    if (SDL_getenv("DISPLAY") != nullptr && SDL_getenv("SDL_VIDEODRIVER") == nullptr)
-        SDL_SetHint(SDL_HINT_VIDEODRIVER, "x11,wayland");
+    const char *drivers = isSet("DISPLAY") ? isSet("WAYLAND_DISPLAY") ? "x11,wayland" : "x11" : "wayland";
+    if (!isSet("SDL_VIDEODRIVER"))   // others that SDL would try show nothing to anybody
+        SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, drivers, SDL_HINT_OVERRIDE);
 }
 
 }   // namespace

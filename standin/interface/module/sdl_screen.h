@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <map>
+#include <set>
 
 namespace standin
 {
@@ -37,16 +38,25 @@ private:
     void takeEvents();
     void take(const SDL_Event &event);
     void takeWindowEvent(const SDL_WindowEvent &event);
+    void takeMotion(ScreenWindow window, int h, int v);
     void takeButton(const SDL_MouseButtonEvent &event);
     void takeKey(const SDL_KeyboardEvent &event);
     void takeText(const SDL_TextInputEvent &event);
     void addKey(ScreenWindow window, UInt8 character, UInt8 keyCode);
     Input &add(Input::Kind kind, ScreenWindow window);
+    void captureMouse();
     void noteMouse();
+    void noteLostRelease();
+    void addButton(ScreenWindow window, bool isDown);
 
     std::map<ScreenWindow, SDL_Window *> windows_;   // under SDL's own numbers
+    std::set<ScreenWindow> popUps_;
+    ScreenWindow belowPopUp_ = 0;   // which had the keyboard before
     std::deque<Input> inputs_;
     MouseState mouse_;
+    Point lastTold_{};           // by SDL, of the mouse on the whole screen
+    bool wasToldDown_ = false;   // since the last press
+    bool hasLostRelease_ = false;
     Uint64 lastPoll_ = 0;
 };
 
