@@ -97,15 +97,28 @@ OSErr specToReference(const ReadingScene &scene, Answer &answer)
     return result;
 }
 
+// What was opened is closed even where the test's own memory runs out in between: an open fork would slow down every test that comes after.
+struct ForkClosing
+{
+    SInt16 fork;
+    ~ForkClosing() { EXPECT_EQ(FSCloseFork(fork), noErr); }
+};
+
+struct IteratorClosing
+{
+    FSIterator iterator;
+    ~IteratorClosing() { EXPECT_EQ(FSCloseIterator(iterator), noErr); }
+};
+
 OSErr readFork(const ReadingScene &scene, Answer &answer)
 {
     SInt16 fork = 0;
     if (OSErr result = openFork(scene.file, true, fsRdPerm, fork))
         return result;
+    const ForkClosing closing{fork};
     std::string bytes(10000, '\0');
     ByteCount got = 0;
     OSErr result = FSReadFork(fork, fsFromStart, 0, static_cast<ByteCount>(bytes.size()), bytes.data(), &got);
-    EXPECT_EQ(FSCloseFork(fork), noErr);
     if (result != eofErr)
     {   // more was asked for than there is
         EXPECT_EQ(got, 0u);
@@ -136,6 +149,7 @@ OSErr walk(const ReadingScene &scene, Answer &answer)
     OSErr result = FSOpenIterator(&scene.root, kFSIterateFlat, &iterator);
     if (result != noErr)
         return result;
+    const IteratorClosing closing{iterator};
     while (result == noErr)
     {
         FSCatalogInfo infos[3]{};
@@ -145,7 +159,6 @@ OSErr walk(const ReadingScene &scene, Answer &answer)
         for (ItemCount i = 0; i < count; ++i)
             describe(textOfName(names[i]) + " ", infos[i], answer);
     }
-    EXPECT_EQ(FSCloseIterator(iterator), noErr);
     return result == errFSNoMoreItems ? noErr : result;
 }
 
