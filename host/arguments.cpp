@@ -65,6 +65,30 @@ CLI::Option *addList(CLI::App &app, const std::string &name, std::vector<std::st
     return app.add_option(name, CLI::callback_t(keep), description)->expected(1, -1)->allow_extra_args()->type_name("");
 }
 
+std::vector<std::string> namesOf(const CLI::Option &option)
+{
+    std::vector<std::string> names;
+    for (const std::string &name : option.get_snames())
+        names.push_back("-" + name);
+    for (const std::string &name : option.get_lnames())
+        names.push_back("--" + name);
+    return names;
+}
+
+Argument described(const CLI::Option &option)
+{
+    Argument argument;
+    argument.names = namesOf(option);
+    argument.description = option.get_description();
+    argument.isRequired = option.get_required();
+    argument.isList = option.get_expected_max() > 1;
+    if (argument.names.empty())
+        argument.value = option.get_name();
+    else if (option.get_items_expected_max() > 0)
+        argument.value = option.get_type_name();
+    return argument;
+}
+
 }   // namespace
 
 Arguments::Item Arguments::Item::require() const
@@ -86,14 +110,14 @@ Arguments::Item Arguments::Item::needs(const Item &other) const
 }
 
 Arguments::Arguments(const std::string &name, const Explanation &explanation)
-    : own_(std::make_unique<CLI::App>(explanation.summary, name)), app_(own_.get())
+    : own_(std::make_unique<CLI::App>(explanation.summary, name)), app_(own_.get()), explanation_(explanation)
 {
     app_->footer(footerOf(explanation));
     app_->get_formatter()->label("REQUIRED", "");
     app_->get_formatter()->column_width(28);
 }
 
-Arguments::Arguments(CLI::App *part) : app_(part) {}
+Arguments::Arguments(CLI::App *part, const Explanation &explanation) : app_(part), explanation_(explanation) {}
 
 Arguments::~Arguments() = default;
 
@@ -160,7 +184,7 @@ Arguments &Arguments::part(const std::string &name, const Explanation &explanati
     app_->require_subcommand(1);
     CLI::App *app = app_->add_subcommand(name, explanation.summary);
     app->footer(footerOf(explanation));
-    parts_.emplace_back(new Arguments(app));
+    parts_.emplace_back(new Arguments(app, explanation));
     return *parts_.back();
 }
 
@@ -191,6 +215,21 @@ std::optional<std::string> Arguments::read(const std::vector<std::string> &words
         throw UsageError(error.what());
     }
     return std::nullopt;
+}
+
+ArgumentList Arguments::list() const
+{
+    return list(app_->get_name());
+}
+
+ArgumentList Arguments::list(const std::string &name) const
+{
+    ArgumentList all{name, explanation_, {}, {}};
+    for (const CLI::Option *option : app_->get_options())
+        all.arguments.push_back(described(*option));
+    for (const auto &part : parts_)
+        all.parts.push_back(part->list(name + " " + part->app_->get_name()));
+    return all;
 }
 
 std::size_t Arguments::indexOfWord(const std::vector<std::string> &words, const std::string &typed)

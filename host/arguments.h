@@ -3,6 +3,7 @@
 // Every byte string comes through as it was typed, whatever it looks like. The parser behind this is known to arguments.cpp alone.
 #pragma once
 
+#include "host/argument_list.h"
 #include "host/numbers.h"
 #include "host/objects.h"
 #include "host/progress.h"
@@ -25,14 +26,6 @@ class Option;
 
 namespace host
 {
-
-// What help says of a command, or of a part of one.
-struct Explanation
-{
-    const char *summary;       // one line
-    const char *description;   // what there is to say beyond that
-    const char *examples;      // lines
-};
 
 // Names of options are written as "-l,--long". Variables that are named here have to live until the command line has been read.
 // An option with a value may be given once; a flag any number of times.
@@ -115,14 +108,19 @@ public:
     // Throws UsageError with what is wrong.
     std::optional<std::string> read(const std::vector<std::string> &words);
 
+    // All that is declared here, for manuals and for shells.
+    ArgumentList list() const;
+
 private:
-    explicit Arguments(CLI::App *part);
+    Arguments(CLI::App *part, const Explanation &explanation);
+    ArgumentList list(const std::string &name) const;
 
     static std::size_t indexOfWord(const std::vector<std::string> &words, const std::string &typed);   // throws UsageError
     static std::string joined(const std::vector<std::string> &words, const char *separator);
 
     std::unique_ptr<CLI::App> own_;   // null in a part
     CLI::App *app_;
+    Explanation explanation_;
     std::deque<std::unique_ptr<Arguments>> parts_;
 };
 

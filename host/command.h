@@ -29,9 +29,16 @@ struct Command
     const char *description;                   // what the command's own help says beyond that
     const char *examples;                      // lines for its help
     Action (*declare)(Arguments &arguments);   // says what it takes; the options live as long as the action
+    bool needsPlugin = true;                   // without it the invocation's plug-in is empty
 };
 
 std::span<const Command *const> allCommands();
 const Command *commandNamed(std::string_view name);   // null if there is none
+
+std::string fullNameOf(const Command &command);   // "zerb info"
+
+// What a command takes; all commands in the order of their table.
+ArgumentList argumentListOf(const Command &command);
+std::vector<ArgumentList> allArgumentLists();
 
 }   // namespace host

@@ -42,6 +42,8 @@ const Command *const commandOrder[] = {
     &iconsCommand,
     &dialogCommand,
     &textCommand,
+    &manCommand,
+    &completionsCommand,
 };
 // clang-format on
 
@@ -57,6 +59,26 @@ const Command *commandNamed(std::string_view name)
     auto row =
         std::find_if(std::begin(commandOrder), std::end(commandOrder), [&](const Command *command) { return command->name == name; });
     return row != std::end(commandOrder) ? *row : nullptr;
+}
+
+std::string fullNameOf(const Command &command)
+{
+    return std::string("zerb ") + command.name;
+}
+
+ArgumentList argumentListOf(const Command &command)
+{
+    Arguments arguments(fullNameOf(command), {command.summary, command.description, command.examples});
+    const Action action = command.declare(arguments);   // the options live as long as it
+    return arguments.list();
+}
+
+std::vector<ArgumentList> allArgumentLists()
+{
+    std::vector<ArgumentList> lists;
+    for (const Command *command : allCommands())
+        lists.push_back(argumentListOf(*command));
+    return lists;
 }
 
 }   // namespace host

@@ -3,6 +3,7 @@
 // Exit status: 0 all done, 1 something failed, 2 wrong usage.
 #include "host/command.h"
 #include "host/default_directory.h"
+#include "host/program_help.h"
 #include "host/text.h"
 #include "host/version.h"
 
@@ -22,24 +23,6 @@ enum ExitStatus
     wrongUsage = 2
 };
 
-std::string programHelp()
-{
-    std::string text = "Looks at and changes what Macintosh software knows about files, on Linux disks.\n\n"
-                       "Usage: zerb COMMAND [ARGUMENT...]\n\nCommands:\n";
-    for (const host::Command *command : host::allCommands())
-        text += "  " + std::string(command->name) + std::string(12 - std::string(command->name).size(), ' ') + command->summary + "\n";
-    text += "\n`zerb COMMAND --help` explains one of them, with examples. `zerb --version` names the version.\n\n"
-            "Exit status: 0 all done, 1 something failed, 2 wrong usage.\n\n"
-            "Environment:\n"
-            "  ZERB_STARTUP_VOLUME  a folder that serves as the startup volume; paths begin in it and cannot leave it\n"
-            "  ZERB_VOLUMES         folders that serve as further volumes: NAME=FOLDER;NAME=FOLDER...\n"
-            "  ZERB_DEFAULT_DIRECTORY\n"
-            "                       the default directory, as `zerb cd` hands it on\n"
-            "  ZERB_PLUGIN          the plug-in to load, where it is not beside this program\n"
-            "  NO_COLOR             if set and not empty, nothing is coloured\n";
-    return text;
-}
-
 int refuseUsage(const std::string &message, const std::string &help)
 {
     std::fprintf(stderr, "zerb: %s\n`%s` shows how to use it.\n", host::printable(message).c_str(), help.c_str());
@@ -55,12 +38,18 @@ int finish(bool anyFailure)
     return failed;
 }
 
-int work(const host::Command &command, const host::Action &action)
+host::Plugin readyPlugin()
 {
     if (const char *problem = standin::environmentProblem())
         throw std::runtime_error(host::printable(problem));
     host::Plugin plugin = host::loadPlugin();
     host::takeDefaultDirectoryFromEnvironment(plugin);
+    return plugin;
+}
+
+int work(const host::Command &command, const host::Action &action)
+{
+    const host::Plugin plugin = command.needsPlugin ? readyPlugin() : host::Plugin{};
     host::Report report(command.name);
     host::Invocation invocation{plugin, report};
     action(invocation);
@@ -69,7 +58,7 @@ int work(const host::Command &command, const host::Action &action)
 
 int runCommand(const host::Command &command, const std::vector<std::string> &words)
 {
-    std::string fullName = "zerb " + std::string(command.name);
+    const std::string fullName = host::fullNameOf(command);
     host::Arguments arguments(fullName, {command.summary, command.description, command.examples});
     host::Action action = command.declare(arguments);
     try
@@ -95,7 +84,7 @@ int run(const std::vector<std::string> &words)
     bool helpWanted = first == "--help" || first == "-h" || first == "help";
     if (helpWanted && words.size() == 1)
     {
-        std::fputs(programHelp().c_str(), stdout);
+        std::fputs(host::programHelp(host::allArgumentLists()).c_str(), stdout);
         return finish(false);
     }
     if (first == "--version")

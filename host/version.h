@@ -3,6 +3,6 @@
 namespace host
 {
 
-constexpr const char *version = "0.1";
+extern const char *const version;   // such as "1.2.3"
 
 }   // namespace host

@@ -47,11 +47,21 @@ void *noted(void *found)
     return found;
 }
 
+// Beside the stand-in where it was built; in a folder of its own below where it is installed, out of the way of libraries that programs are
+// linked with. Loading counts: a second time only finds it.
+void *loadedModule(const std::string &module)
+{
+    const std::string folder = ownFolder(), installed = folder + "zerb/" + module;
+    ObjectStatus status;
+    const bool isInstalled = linux_calls::statusAt(AT_FDCWD, installed.c_str(), status) == 0;
+    return noted(dlopen((isInstalled ? installed : folder + module).c_str(), RTLD_NOW | RTLD_LOCAL));
+}
+
 }   // namespace
 
 void *moduleFunction(const std::string &module, const char *function)
 {
-    void *library = noted(dlopen((ownFolder() + module).c_str(), RTLD_NOW | RTLD_LOCAL));   // counted: loading it again only finds it
+    void *library = loadedModule(module);
     return library != nullptr ? noted(dlsym(library, function)) : nullptr;
 }
 

@@ -29,7 +29,9 @@ struct Options
 
 std::string sampleFile()
 {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "sample_dialog.rsrc";
+    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path(),
+                                beside = folder / "sample_dialog.rsrc";
+    return std::filesystem::exists(beside) ? beside : (folder / "../share/zerb/sample_dialog.rsrc").lexically_normal();
 }
 
 // The resource file is the current one as long as this lives, so that labels of buttons are looked for there first.
@@ -85,7 +87,7 @@ Action declareDialog(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
     options->file = sampleFile();
-    arguments.optionalPath("FILE", options->file, "a resource file; none: the sample beside this program");
+    arguments.optionalPath("FILE", options->file, "a resource file; none: the sample that comes with this program");
     arguments.number("--dialog", "ID", options->request.id, std::numeric_limits<SInt16>::max(), "the dialog's ID; 128 if not given");
     arguments.text(
         "--script", "FILE", [options](const std::string &typed) { options->script = typed; },

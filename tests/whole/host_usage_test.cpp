@@ -47,6 +47,8 @@ TEST_P(HostUsage, IsRefusedWithStatus2)
 const UsageCase usageCases[] = {
     {"NoCommand", {}, "a command is missing"},
     {"NoSuchCommand", {"inf"}, "there is no command \"inf\""},
+    {"NoPageOfThat", {"man", "inf"}, "there is no command \"inf\""},
+    {"NoSuchShell", {"completions", "tcsh"}, "none of bash, fish, zsh"},
     {"EscapesInAName", {"\x1B[31m"}, "\"\\x1B[31m\""},
     {"NoPath", {"info"}, "PATH is required"},
     {"NoSuchOption", {"info", "--jason", "x"}, "--jason"},

@@ -60,8 +60,8 @@ TEST_F(LoadedLibraries, OnlyThePartThatDrawsNamesTheFontEngine)
 
 TEST_F(LoadedLibraries, WithoutThePartThatDrawsAllCharactersAreSixPixelsWide)
 {
-    for (const char *product : {"zerb", "zerb.so", "libzerbstandin.so"})
-        std::filesystem::copy_file(built(product), path(product));
+    for (const std::string &product : {std::string("zerb"), std::string("zerb.so"), standInFile()})
+        std::filesystem::copy_file(built(product), path(product));   // a link is followed
     Setting setting;
     setting.program = path("zerb");
     const Outcome outcome = runHost({"text", "shorten", "--json", "-w", "36", "Hello", "Letter"}, setting);

@@ -1,0 +1,28 @@
+# Where things go when they are installed, and how they find each other there, wherever the whole is moved to.
+include_guard(GLOBAL)
+include(GNUInstallDirs)
+
+# Before version 1 what programs are linked with may change with every second number.
+set(ZERB_INTERFACE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+
+set(ZERB_PLUGIN_FOLDER lib/zerb)                             # where the host looks for the plug-in: ../lib/zerb/ from its own folder
+set(ZERB_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/zerb)         # where the stand-in looks for its parts: zerb/ below its own folder
+set(ZERB_DATA_FOLDER ${CMAKE_INSTALL_DATADIR}/zerb)
+set(ZERB_HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/zerb)
+set(ZERB_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/Zerb)
+
+# Debian's packages have their completions for zsh in a folder of their own.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS /etc/debian_version)
+    set(zshFolder vendor-completions)
+else()
+    set(zshFolder site-functions)
+endif()
+set(ZERB_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/${zshFolder} CACHE STRING "Where zsh looks for completions")
+
+function(zerb_path_from variable from to)
+    cmake_path(RELATIVE_PATH to BASE_DIRECTORY ${from} OUTPUT_VARIABLE path)
+    set(${variable} "$ORIGIN/${path}" PARENT_SCOPE)
+endfunction()
+
+zerb_path_from(ZERB_RPATH_OF_PROGRAMS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
+zerb_path_from(ZERB_RPATH_OF_PLUGIN ${ZERB_PLUGIN_FOLDER} ${CMAKE_INSTALL_LIBDIR})
