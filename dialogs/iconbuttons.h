@@ -1,4 +1,4 @@
-// Icons and icon buttons in dialogs: drawing them, following the mouse on them, and two small helpers around dialogs.
+// Icons and icon buttons in dialogs: drawing them, following the mouse on them, and two small functions around dialogs.
 //
 // An icon family is a set of resources with one ID, of which the platform draws the member that suits best; an icon button
 // is such a family at 32 by 32 pixels, with a label if one is wanted. What holds for all functions:

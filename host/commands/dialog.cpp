@@ -1,7 +1,7 @@
 // zerb dialog: shows a dialog with icon buttons and tells what is clicked.
 #include "host/commands.h"
 
-#include "host/commands/dialog_session.h"
+#include "host/commands/shown_dialog.h"
 #include "host/objects.h"
 #include "host/text.h"
 

@@ -1,4 +1,4 @@
-#include "host/commands/dialog_session.h"
+#include "host/commands/shown_dialog.h"
 
 #include "host/json_text.h"
 #include "host/text.h"
@@ -17,10 +17,10 @@ namespace
 constexpr DialogItemIndex doneItem = 1;
 constexpr IconAlignmentType noAlignment = 0;
 
-class Session
+class ShownDialog
 {
 public:
-    Session(const Plugin &plugin, DialogRef dialog, std::vector<IconControl> controls, bool json)
+    ShownDialog(const Plugin &plugin, DialogRef dialog, std::vector<IconControl> controls, bool json)
         : plugin_(plugin), dialog_(dialog), controls_(std::move(controls)), json_(json)
     {
     }
@@ -60,13 +60,13 @@ std::string menuText(SInt16 menu, SInt16 item)
     return utf8FromPascal(text);
 }
 
-const IconControl *Session::controlOf(DialogItemIndex item) const
+const IconControl *ShownDialog::controlOf(DialogItemIndex item) const
 {
     auto found = std::find_if(controls_.begin(), controls_.end(), [&](const IconControl &control) { return control.item == item; });
     return found != controls_.end() ? &*found : nullptr;
 }
 
-Rect Session::boxOf(DialogItemIndex item) const
+Rect ShownDialog::boxOf(DialogItemIndex item) const
 {
     Rect box{};
     DialogItemType type;
@@ -75,15 +75,15 @@ Rect Session::boxOf(DialogItemIndex item) const
     return box;
 }
 
-// The session is found by the window that the item is in.
-void Session::drawUserItem(DialogRef dialog, DialogItemIndex item)
+// The dialog is found by the window that the item is in.
+void ShownDialog::drawUserItem(DialogRef dialog, DialogItemIndex item)
 {
-    const auto *session = reinterpret_cast<const Session *>(GetWRefCon(GetDialogWindow(dialog)));
-    if (const IconControl *control = session->controlOf(item))
-        session->draw(*control);
+    const auto *shown = reinterpret_cast<const ShownDialog *>(GetWRefCon(GetDialogWindow(dialog)));
+    if (const IconControl *control = shown->controlOf(item))
+        shown->draw(*control);
 }
 
-void Session::draw(const IconControl &control) const
+void ShownDialog::draw(const IconControl &control) const
 {
     if (control.isSmall)
         plugin_.MyDrawIconInSuite(control.icon, boxOf(control.item), noAlignment, kTransformNone);
@@ -91,19 +91,19 @@ void Session::draw(const IconControl &control) const
         plugin_.MyDrawIconButton(control.icon, boxOf(control.item), noAlignment, kTransformNone, control.label);
 }
 
-void Session::prepare()
+void ShownDialog::prepare()
 {
     SetWRefCon(GetDialogWindow(dialog_), reinterpret_cast<long>(this));
     for (const IconControl &control : controls_)
     {
         const Rect box = boxOf(control.item);
-        SetDialogItem(dialog_, control.item, kUserDialogItem, reinterpret_cast<Handle>(&Session::drawUserItem), &box);
+        SetDialogItem(dialog_, control.item, kUserDialogItem, reinterpret_cast<Handle>(&ShownDialog::drawUserItem), &box);
     }
     SetDialogDefaultItem(dialog_, doneItem);
     SetDialogCancelItem(dialog_, doneItem);
 }
 
-void Session::run()
+void ShownDialog::run()
 {
     constexpr UInt32 sleep = 60;
     SetPort(GetDialogPort(dialog_));
@@ -115,14 +115,14 @@ void Session::run()
 }
 
 // Whether the dialog goes on.
-bool Session::handle(const EventRecord &event)
+bool ShownDialog::handle(const EventRecord &event)
 {
     if (event.what == kHighLevelEvent)
         return tell("ended", {{"ended", "asked to"}}), false;
     return event.what == mouseDown ? handlePress(event) : handleOther(event);
 }
 
-bool Session::handlePress(const EventRecord &event)
+bool ShownDialog::handlePress(const EventRecord &event)
 {
     WindowRef window = nullptr;
     const WindowPartCode part = FindWindow(event.where, &window);
@@ -135,7 +135,7 @@ bool Session::handlePress(const EventRecord &event)
     return true;
 }
 
-bool Session::handleOther(const EventRecord &event)
+bool ShownDialog::handleOther(const EventRecord &event)
 {
     DialogRef dialog = nullptr;
     DialogItemIndex item = 0;
@@ -145,13 +145,13 @@ bool Session::handleOther(const EventRecord &event)
     return item != doneItem;
 }
 
-DialogItemIndex Session::itemAt(Point where) const
+DialogItemIndex ShownDialog::itemAt(Point where) const
 {
     GlobalToLocal(&where);
     return static_cast<DialogItemIndex>(FindDialogItem(dialog_, where) + 1);
 }
 
-SInt16 Session::track(const IconControl &control) const
+SInt16 ShownDialog::track(const IconControl &control) const
 {
     const Rect box = boxOf(control.item);
     if (control.isSmall && control.menu == 0)
@@ -164,7 +164,7 @@ SInt16 Session::track(const IconControl &control) const
                                               control.clearsMarks, control.delay);
 }
 
-void Session::click(const IconControl &control)
+void ShownDialog::click(const IconControl &control)
 {
     const SInt16 result = track(control);
     tellClick(control, result);
@@ -173,7 +173,7 @@ void Session::click(const IconControl &control)
 }
 
 // A plain click and the choice of item 1 have the same result.
-void Session::tellClick(const IconControl &control, SInt16 result) const
+void ShownDialog::tellClick(const IconControl &control, SInt16 result) const
 {
     const char *kind = control.isSmall ? "small icon" : "icon button";
     std::string line = "item " + std::to_string(control.item) + ": " + kind + " " + std::to_string(control.icon) + ": ";
@@ -193,7 +193,7 @@ void Session::tellClick(const IconControl &control, SInt16 result) const
     tell(line, object);
 }
 
-void Session::tellItem(DialogItemIndex item) const
+void ShownDialog::tellItem(DialogItemIndex item) const
 {
     Str255 text = "";
     DialogItemType type = 0;
@@ -205,7 +205,7 @@ void Session::tellItem(DialogItemIndex item) const
 }
 
 // At once: whoever waits for the line can go on.
-void Session::tell(const std::string &line, const Json &object) const
+void ShownDialog::tell(const std::string &line, const Json &object) const
 {
     std::printf("%s\n", json_ ? object.compact().c_str() : line.c_str());
     std::fflush(stdout);
@@ -242,9 +242,9 @@ void runDialog(Invocation &invocation, const std::string &file, const DialogRequ
         DialogRef dialog = openDialog(invocation.plugin, request.id);
         if (dialog == nullptr)
             return invocation.report.problem(file, "has no dialog " + std::to_string(request.id) + ", or a damaged one");
-        Session session(invocation.plugin, dialog, std::move(controls), request.json);
-        session.prepare();
-        session.run();
+        ShownDialog shown(invocation.plugin, dialog, std::move(controls), request.json);
+        shown.prepare();
+        shown.run();
         const OSErr saved = request.picture.empty() ? noErr : standin::savePicture(GetDialogPort(dialog), request.picture);
         if (saved != noErr)
             invocation.report.failure(request.picture, saved, "saving the picture");
