@@ -40,6 +40,9 @@ std::string ownFolder()
     return path.substr(0, path.rfind('/') + 1);
 }
 
+// Asked at the start: once a program has taken mounts of its own, the path that Linux tells of it may lead nowhere.
+const std::string folderAtStart = ownFolder();
+
 void *noted(void *found)
 {
     const char *error = dlerror();
@@ -51,10 +54,10 @@ void *noted(void *found)
 // linked with. Loading counts: a second time only finds it.
 void *loadedModule(const std::string &module)
 {
-    const std::string folder = ownFolder(), installed = folder + "zerb/" + module;
+    const std::string installed = folderAtStart + "zerb/" + module;
     ObjectStatus status;
     const bool isInstalled = linux_calls::statusAt(AT_FDCWD, installed.c_str(), status) == 0;
-    return noted(dlopen((isInstalled ? installed : folder + module).c_str(), RTLD_NOW | RTLD_LOCAL));
+    return noted(dlopen((isInstalled ? installed : folderAtStart + module).c_str(), RTLD_NOW | RTLD_LOCAL));
 }
 
 }   // namespace

@@ -113,6 +113,7 @@ constexpr ResultCodeRow resultCodeRows[] = {
     RESULT_CODE(resFNotFound, "there is no resource file"),
     RESULT_CODE(mapReadErr, "this is no resource file, or its map is damaged"),
     RESULT_CODE(cDepthErr, "pixels have 32 bits here and no other number"),
+    RESULT_CODE(gestaltUndefSelectorErr, "nothing here goes by that selector"),
 
     RESULT_CODE(fidNotFound, "there is no file with that ID"),
     RESULT_CODE(fidExists, "the file already has an ID"),

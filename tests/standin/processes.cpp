@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <grp.h>
 #include <map>
@@ -22,6 +23,9 @@ namespace support
 
 namespace
 {
+
+// Asked before the tests take mounts of their own: afterwards the path that Linux tells may lead nowhere.
+const std::string ownProgram = std::filesystem::read_symlink("/proc/self/exe");
 
 std::map<std::string, void (*)(const RoleArguments &)> &roles()
 {
@@ -150,7 +154,7 @@ Running startRole(const std::string &name, const RoleArguments &arguments, const
 {
     std::vector<std::string> words{"tests", "--role", name, std::to_string(setting.user)};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    return startFile("/proc/self/exe", words, setting.environment);
+    return startFile(ownProgram, words, setting.environment);
 }
 
 std::string playRole(const std::string &name, const RoleArguments &arguments, const RoleSetting &setting)
