@@ -39,7 +39,7 @@ constexpr struct
 {
     SInt16 attribute;
     const char *word;
-} attributeWords[] = {{resSysHeap, "sysheap"}, {resPurgeable, "purgeable"}, {resLocked, "locked"}, {resProtected, "protected"},
+} attributeWords[] = {{resSysHeap, "sysheap"}, {resPurgeable, "purgeable"}, {resLocked, "locked"},      {resProtected, "protected"},
                       {resPreload, "preload"}, {resChanged, "changed"},     {0x01, "marked-compressed"}};
 
 std::vector<std::string> wordsOf(SInt16 attributes)

@@ -42,7 +42,7 @@ int runTests(int argumentCount, char **arguments)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     setenv("LC_ALL", "C", 1);   // short names are in the encoding that the locale decides
-    unsetenv("ZERB_FONT");       // stored pictures show the font that is taken without it
+    unsetenv("ZERB_FONT");      // stored pictures show the font that is taken without it
     support::takeOwnMounts();
     testing::InitGoogleTest(&argumentCount, arguments);
     return RUN_ALL_TESTS();

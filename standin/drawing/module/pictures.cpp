@@ -13,7 +13,7 @@ std::vector<std::uint8_t> encodePicture(std::span<const std::uint8_t> rows, std:
     image.width = width;
     image.height = height;
     image.format = PNG_FORMAT_RGB;
-    image.flags = PNG_IMAGE_FLAG_FAST;   // a little larger, and most of the time of a picture is packing it
+    image.flags = PNG_IMAGE_FLAG_FAST;                                // a little larger, and most of the time of a picture is packing it
     std::vector<std::uint8_t> bytes(PNG_IMAGE_PNG_SIZE_MAX(image));   // room for all that it may take: none need be written twice
     png_alloc_size_t length = bytes.size();
     const int done = png_image_write_to_memory(&image, bytes.data(), &length, 0, rows.data(), 0, nullptr);
