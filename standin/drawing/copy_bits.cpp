@@ -58,12 +58,6 @@ private:
     Area bounds_;
 };
 
-struct Span
-{
-    int start, end;
-    int length() const { return end - start; }
-};
-
 // Which coordinates of the source the visible ones of the destination are taken from, in one direction.
 struct Taken
 {
@@ -78,8 +72,7 @@ Taken takenCoordinates(Span source, Span destination, Span readable, Span visibl
     const int end = std::min(destination.end, visible.end);
     for (int to = std::max(destination.start, visible.start); to < end; ++to)
     {
-        const std::int64_t middle = (2 * std::int64_t{to - destination.start} + 1) * source.length() / (2 * destination.length());
-        const int from = source.start + static_cast<int>(middle);
+        const int from = source.start + pixelUnder(to, destination, source.length());
         if (from < readable.start || from >= readable.end)
             continue;
         if (taken.sources.empty())

@@ -38,6 +38,11 @@ Area areaOf(const Rect &rect)
     return {rect.top, rect.left, rect.bottom, rect.right};
 }
 
+int pixelUnder(int place, Span shown, int length)
+{
+    return static_cast<int>((2 * std::int64_t{place - shown.start} + 1) * length / (2 * shown.length()));
+}
+
 Rect visiblePart(const OpaqueGrafPtr &port, const Area &area)
 {
     const Rect &clip = port.clip;

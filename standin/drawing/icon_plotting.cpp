@@ -25,12 +25,6 @@ enum Placing
 
 constexpr int placingBits = 3, horizontalShift = 2;
 
-struct Span
-{
-    int start, end;
-    int length() const { return end - start; }
-};
-
 int wantedSide(const Rect &rect)
 {
     return rect.right - rect.left >= largeSide || rect.bottom - rect.top >= largeSide ? largeSide : smallSide;
@@ -54,22 +48,16 @@ Area placeOf(const Rect &rect, IconAlignmentType alignment, int side)
     return {rows.start, columns.start, rows.end, columns.end};
 }
 
-// The pixel of an icon that is shown at a place: the one under the middle of that place, as CopyBits takes them.
-int sourceOf(int place, Span shown, int side)
-{
-    return static_cast<int>((2 * std::int64_t{place - shown.start} + 1) * side / (2 * shown.length()));
-}
-
 void drawIcon(const IconPixels &icon, const Area &place, OpaqueGrafPtr &port)
 {
     const Rect visible = visiblePart(port, place);
     for (int v = visible.top; v < visible.bottom; ++v)
     {
-        const int row = sourceOf(v, {place.top, place.bottom}, icon.side);
+        const int row = pixelUnder(v, {place.top, place.bottom}, icon.side);
         Pixel *target = pixelAt(port, v, visible.left);
         for (int h = visible.left; h < visible.right; ++h, ++target)
         {
-            const int column = sourceOf(h, {place.left, place.right}, icon.side);
+            const int column = pixelUnder(h, {place.left, place.right}, icon.side);
             const Pixel pixel = icon.pixels[static_cast<std::size_t>(row * icon.side + column)];
             if (pixel & blackPixel)
                 *target = pixel;

@@ -14,6 +14,16 @@ struct Area
 
 Area areaOf(const Rect &rect);
 
+// One direction of an area.
+struct Span
+{
+    int start, end;
+    int length() const { return end - start; }
+};
+
+// Where so many pixels are stretched or shrunk to `shown`: the number, from 0, of the one that lies under the middle of a place there.
+int pixelUnder(int place, Span shown, int length);
+
 // The part that lies within the port's clip; 0, 0, 0, 0 if none does.
 Rect visiblePart(const OpaqueGrafPtr &port, const Area &area);
 

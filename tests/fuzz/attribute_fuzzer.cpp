@@ -1,21 +1,15 @@
 // Any bytes as the shared attribute, as our own record and as dates: what is accepted is kept, and what is set is read back.
 #include "standin/files/attribute_format.h"
 #include "standin/files/dates.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace
 {
 
 using namespace standin;
 using Bytes = std::span<const std::uint8_t>;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // Setting what is already there changes nothing, and setting anything leaves the layout acceptable.
 void checkShared(const SharedAttribute &attribute)

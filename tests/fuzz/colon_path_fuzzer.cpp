@@ -1,9 +1,9 @@
 // Hostile bytes as paths with colons, in every encoding: what the file manager is asked for is the same path in UTF-8 with slashes, cut at its last
 // slash into a folder and a name that together are all of it.
 #include "folders/posix_paths.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -11,12 +11,6 @@ namespace
 {
 
 std::string askedFor;   // the last path that a reference was wanted for
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 constexpr CFStringEncoding encodings[] = {
     kCFStringEncodingUTF8, kCFStringEncodingMacRoman, kCFStringEncodingUnicode, 1 /* Japanese */, 5 /* Hebrew */, 0x7FFF /* none */};

@@ -3,9 +3,9 @@
 #include "standin/files/mount_list.h"
 #include "standin/files/mount_records.h"
 #include "standin/files/volume_opening.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 
 namespace
@@ -13,12 +13,6 @@ namespace
 
 using namespace standin;
 using Bytes = std::vector<std::uint8_t>;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void putBig(Bytes &bytes, std::size_t at, std::uint32_t value, int width)
 {

@@ -1,18 +1,12 @@
 // Hostile bytes as disk names and as Unicode names: what is accepted comes back, what does not come back is refused, and short names stay short.
 #include "standin/files/names.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace
 {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool isListed(const std::vector<std::string> &names, const std::string &name)
 {

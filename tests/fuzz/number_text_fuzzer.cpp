@@ -2,21 +2,15 @@
 // other words.
 #include "strings/pstrings.h"
 #include "tests/models/number_models.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 namespace
 {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 struct PascalText
 {

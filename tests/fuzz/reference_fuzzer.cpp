@@ -1,8 +1,8 @@
 // Hostile bytes as a reference, and as the fields of one: what this process did not make is refused, what it made comes back.
 #include "standin/files/reference_format.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -12,12 +12,6 @@ using namespace standin;
 
 constexpr std::uint64_t knownDevice = 0x0000000800000001;
 constexpr UInt16 knownNumber = 3;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // Takes the bytes of an input one after the other; zeros follow its end.
 class Input

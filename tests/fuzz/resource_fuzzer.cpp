@@ -1,21 +1,15 @@
 // Any bytes as a file with resources: what is accepted keeps the promises of the format and of the containers.
 #include "standin/resources/resource_containers.h"
 #include "standin/resources/resource_format.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace
 {
 
 using namespace standin;
 using Bytes = std::span<const std::uint8_t>;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // Each entry is reached in every way that it can be asked for; of several with one ID or one name it is the first.
 void checkEntries(const ResourceMap &map)

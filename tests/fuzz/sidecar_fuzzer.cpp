@@ -1,21 +1,15 @@
 // Any bytes as a sidecar: what is accepted keeps the promises of parseSidecar, and can be written anew and read back.
 #include "standin/files/attribute_block.h"
 #include "standin/files/sidecar_format.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace
 {
 
 using namespace standin;
 using Bytes = std::span<const std::uint8_t>;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool overlap(const SidecarEntry &a, const SidecarEntry &b)
 {

@@ -2,9 +2,9 @@
 // converted strictly comes back as the same text.
 #include "platform/platform.h"
 #include "standin/text/unicode_forms.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -12,12 +12,6 @@
 
 namespace
 {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // The output is exactly as large as it is said to be, so that the sanitizer sees a byte more.
 struct Conversion
