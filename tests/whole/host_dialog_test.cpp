@@ -138,7 +138,7 @@ protected:
         ASSERT_TRUE(display_->isThere());
         std::filesystem::create_directories(pictures_);
         const std::string line = "exec " + built("zerb") + " dialog >" + path("told") + " 2>&1";
-        host_.emplace(support::start({"sh", "-c", line}, {"DISPLAY=" + display_->name(), "SDL_VIDEODRIVER=", "WAYLAND_DISPLAY="}));
+        host_.emplace(support::start({"sh", "-c", line}, display_->environment()));
         ASSERT_TRUE(shows(folderPixel, folderColor)) << told();
     }
 

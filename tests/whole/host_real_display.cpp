@@ -73,11 +73,16 @@ RealDisplay::RealDisplay()
         name_.pop_back();
 }
 
+std::vector<std::string> RealDisplay::environment() const
+{
+    return {"DISPLAY=" + name_, "WAYLAND_DISPLAY=", "SDL_VIDEODRIVER=", "DBUS_SESSION_BUS_ADDRESS=disabled:"};
+}
+
 void RealDisplay::act(const std::vector<std::string> &words) const
 {
     std::vector<std::string> line = {"xdotool"};
     line.insert(line.end(), words.begin(), words.end());
-    const support::Ended ended = support::start(line, {"DISPLAY=" + name_}).wait();
+    const support::Ended ended = support::start(line, environment()).wait();
     EXPECT_EQ(ended.status, 0) << ended.output;
 }
 

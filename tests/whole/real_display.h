@@ -27,7 +27,9 @@ public:
     RealDisplay();
 
     bool isThere() const { return !name_.empty(); }
-    const std::string &name() const { return name_; }   // as DISPLAY has it
+    // What a program needs in its environment to come up here and nowhere else. Without a bus's address it would start one for the display,
+    // and that would outlive the test.
+    std::vector<std::string> environment() const;
 
     // Runs xdotool with these words: "mousemove", "10", "20".
     void act(const std::vector<std::string> &words) const;
@@ -39,7 +41,7 @@ public:
 private:
     support::TemporaryFolder folder_;
     std::optional<support::Running> server_;
-    std::string name_;
+    std::string name_;   // as DISPLAY has it
 };
 
 }   // namespace host_tests
