@@ -20,6 +20,33 @@ if(ZERB_PRESET STREQUAL "tsan")
 endif()
 target_precompile_headers(zerb_test_code INTERFACE <algorithm> <filesystem> <functional> <sstream> <gtest/gtest.h>)
 
+# zerb_batch_tests(VARIABLE FILE...)
+#
+# Compiling tests is most of what ./check takes, and most of that goes into headers. So outside the debug preset, where one
+# test at a time is worked on, they are compiled a dozen at once; VARIABLE gets the sources for the target.
+function(zerb_batch_tests variable)
+    set(files ${ARGN})
+    if(ZERB_PRESET STREQUAL "debug")
+        set(${variable} ${files} PARENT_SCOPE)
+        return()
+    endif()
+    set(batches "")
+    set(joining ${PROJECT_SOURCE_DIR}/tools/batch-tests.awk)
+    while(files)
+        list(LENGTH batches number)
+        set(batch ${CMAKE_CURRENT_BINARY_DIR}/batches/batch_${number}.cpp)
+        list(SUBLIST files 0 12 members)
+        list(REMOVE_ITEM files ${members})
+        add_custom_command(OUTPUT ${batch}
+            COMMAND awk -f ${joining} ${members} > ${batch}
+            DEPENDS ${members} ${joining}
+            COMMENT "Joining tests" VERBATIM)
+        list(APPEND batches ${batch})
+    endwhile()
+    file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/batches)
+    set(${variable} ${batches} PARENT_SCOPE)
+endfunction()
+
 # What a test must know of the build that it runs in; see the header.
 add_library(how_built STATIC ${PROJECT_SOURCE_DIR}/tests/how_built.cpp)
 target_include_directories(how_built PUBLIC ${PROJECT_SOURCE_DIR})
