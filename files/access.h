@@ -27,15 +27,16 @@ OSErr FSSetDirAccess(const FSRef *ref, SInt32 ownerID, SInt32 groupID, UInt32 ac
 
 // Gives the name of the user or group that has the ID `ugID`.
 //
-// `objType` tells the File Manager whether a user or a group is meant. `name` is a Str31, filled by the File Manager
-// itself.
+// `objType` is 1 for a user and 2 for a group, and is handed to the File Manager as it is. `name` is a Str31, filled by
+// the File Manager itself.
 //
 // Result: noErr; paramErr if `name` is null; otherwise PBHMapIDSync's code, unchanged.
 OSErr FSMapID(FSVolumeRefNum volRefNum, SInt32 ugID, SInt16 objType, unsigned char *name);
 
 // Gives the ID of the user or group called `name`.
 //
-// `objType` tells the File Manager whether a user or a group is meant. `name` is handed on as it is and only read.
+// `objType` is 3 for a user and 4 for a group. Both it and `name` are handed to the File Manager as they are; `name` is
+// only read.
 //
 // Result: noErr; paramErr if `ugID` is null; otherwise PBHMapNameSync's code, unchanged.
 OSErr FSMapName(FSVolumeRefNum volRefNum, ConstStr255Param name, SInt16 objType, SInt32 *ugID);

@@ -6,8 +6,8 @@
 // holds for all functions:
 //
 // - A required output that is null gives paramErr before anything is asked; other pointers may not be null.
-// - The code is that of the first call of the system that failed, unchanged. Each function makes one change at most, so
-//   nothing has to be undone.
+// - The code is that of the first call of the system that failed, unchanged, or cut to 16 bits where it has 32. Each
+//   function makes one change at most, so nothing has to be undone.
 // - Functions may be called from any thread; nothing is kept between calls.
 
 #pragma once

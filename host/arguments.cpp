@@ -212,9 +212,24 @@ std::optional<std::string> Arguments::read(const std::vector<std::string> &words
     }
     catch (const CLI::ParseError &error)
     {
-        throw UsageError(error.what());
+        throw UsageError(lacksPart() ? complaintAboutPart(words) : error.what());
     }
     return std::nullopt;
+}
+
+bool Arguments::lacksPart() const
+{
+    return !parts_.empty() && std::none_of(parts_.begin(), parts_.end(), [](const auto &part) { return part->isChosen(); });
+}
+
+std::string Arguments::complaintAboutPart(const std::vector<std::string> &words) const
+{
+    std::vector<std::string> names;
+    for (const auto &part : parts_)
+        names.push_back(part->app_->get_name());
+    const bool hasWord = !words.empty() && !words.front().starts_with("-");
+    return (hasWord ? "there is no part \"" + words.front() + "\"; it" : std::string("a part is missing; it")) + " has " +
+           joined(names, ", ");
 }
 
 ArgumentList Arguments::list() const

@@ -113,6 +113,8 @@ public:
 
 private:
     Arguments(CLI::App *part, const Explanation &explanation);
+    bool lacksPart() const;   // after reading
+    std::string complaintAboutPart(const std::vector<std::string> &words) const;
     ArgumentList list(const std::string &name) const;
 
     static std::size_t indexOfWord(const std::vector<std::string> &words, const std::string &typed);   // throws UsageError

@@ -3,6 +3,8 @@
 #include "host/text.h"
 
 #include <charconv>
+#include <optional>
+#include <utility>
 
 namespace host
 {
@@ -15,6 +17,28 @@ constexpr std::string_view blanks = " \t\r";
 bool isHexadecimal(char character)
 {
     return std::string_view("0123456789abcdefABCDEF").find(character) != std::string_view::npos;
+}
+
+// What stands behind a backslash as xNN.
+std::optional<char> escapedByte(std::string_view rest)
+{
+    if (rest.size() < 3 || rest[0] != 'x' || !isHexadecimal(rest[1]) || !isHexadecimal(rest[2]))
+        return std::nullopt;
+    return static_cast<char>(static_cast<unsigned char>(std::stoi(std::string(rest.substr(1, 2)), nullptr, 16)));
+}
+
+// What any other character there stands for.
+std::optional<char> escapedCharacter(std::string_view rest)
+{
+    switch (rest.empty() ? '\0' : rest[0])
+    {
+    case 'n': return '\r';   // the platform's end of a line
+    case 't': return '\t';
+    case '\\':
+    case '"':
+    case '\'': return rest[0];
+    default: return std::nullopt;
+    }
 }
 
 bool readNumber(std::string_view word, SInt64 &number)
@@ -70,50 +94,42 @@ void DescriptionLine::append(std::string_view rest)
     }
 }
 
+std::string DescriptionLine::inMacRoman(const std::string &plain) const
+{
+    const auto converted = macRomanFromUtf8(plain);
+    if (!converted)
+        fail("\"" + plain + "\" has a character that Mac Roman does not have");
+    return *converted;
+}
+
 // Bytes after \x are Mac Roman as they are; everything else is UTF-8 and converted piece by piece, so that both can stand in one text.
 std::string_view DescriptionLine::takeQuoted(std::string_view rest, DescriptionToken &token) const
 {
     const char quote = rest[0];
-    std::string plain;
-    const auto convert = [&] {
-        const auto converted = macRomanFromUtf8(plain);
-        if (!converted)
-            fail("\"" + plain + "\" has a character that Mac Roman does not have");
-        token.text += *converted;
-        plain.clear();
-    };
+    std::string plain;   // what is still to be converted
     token.kind = quote == '"' ? DescriptionToken::Kind::text : DescriptionToken::Kind::code;
-    for (rest.remove_prefix(1);; rest.remove_prefix(1))
+    for (rest.remove_prefix(1); !rest.empty() && rest[0] != quote; rest.remove_prefix(1))
     {
-        if (rest.empty())
-            fail(std::string("there is no ") + quote + " at the end of the text");
-        if (rest[0] == quote)
-            break;
         if (rest[0] != '\\')
         {
             plain += rest[0];
             continue;
         }
         rest.remove_prefix(1);
-        const char escaped = rest.empty() ? '\0' : rest[0];
-        if (escaped == 'x' && rest.size() >= 3 && isHexadecimal(rest[1]) && isHexadecimal(rest[2]))
+        if (const auto byte = escapedByte(rest))
         {
-            convert();
-            token.text += static_cast<char>(static_cast<unsigned char>(std::stoi(std::string(rest.substr(1, 2)), nullptr, 16)));
+            token.text += inMacRoman(std::exchange(plain, {})) + *byte;
             rest.remove_prefix(2);
         }
-        else if (escaped == 'n')
-            plain += '\r';   // the platform's end of a line
-        else if (escaped == 't')
-            plain += '\t';
-        else if (escaped == '\\' || escaped == '"' || escaped == '\'')
-            plain += escaped;
+        else if (const auto character = escapedCharacter(rest))
+            plain += *character;
         else
             fail("after a backslash stands one of \\ \" ' n t xNN");
     }
-    convert();
-    rest.remove_prefix(1);
-    return rest;
+    if (rest.empty())
+        fail(std::string("there is no ") + quote + " at the end of the text");
+    token.text += inMacRoman(plain);
+    return rest.substr(1);
 }
 
 bool DescriptionLine::startsWith(DescriptionToken::Kind kind) const

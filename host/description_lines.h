@@ -64,6 +64,7 @@ public:
 private:
     const DescriptionToken &take(DescriptionToken::Kind kind, const char *what);
     std::string_view takeQuoted(std::string_view rest, DescriptionToken &token) const;
+    std::string inMacRoman(const std::string &plain) const;
     void append(std::string_view rest);
 
     std::size_t number_;

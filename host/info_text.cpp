@@ -8,7 +8,6 @@
 #include "host/text.h"
 #include "host/text_encodings.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace host

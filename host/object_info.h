@@ -8,7 +8,6 @@
 
 #include "platform/platform.h"
 
-#include <optional>
 #include <string>
 
 namespace host

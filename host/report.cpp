@@ -22,7 +22,7 @@ const char *helpFor(OSStatus result)
     case wPrErr: return "its file system is mounted read-only";
     case afpAccessDenied:
     case permErr: return "`zerb info PATH` shows who owns it and what its mode allows";
-    case notAFileErr: return "only files have a type and a creator";
+    case notAFileErr: return "folders have no forks, no type and no creator, and are not exchanged";
     case tmfoErr: return "`ulimit -n` shows and raises how many files may be open";
     default: return nullptr;
     }

@@ -4,9 +4,7 @@
 #include "host/described_interface.h"
 
 #include <algorithm>
-#include <functional>
 #include <map>
-#include <optional>
 #include <utility>
 
 namespace host

@@ -25,6 +25,12 @@ bool convert(const std::string &typed, CFStringEncoding encoding, char (&bytes)[
     return isConverted;
 }
 
+bool isStartupVolume(FSVolumeRefNum volume)
+{
+    FSVolumeRefNum startup = kFSInvalidVolumeRefNum;
+    return FSGetVolumeInfo(kFSInvalidVolumeRefNum, 1, &startup, kFSVolInfoNone, nullptr, nullptr, nullptr) == noErr && startup == volume;
+}
+
 }   // namespace
 
 Arguments::Item addPathEncodingOption(Arguments &arguments, PathEncoding &encoding)
@@ -68,12 +74,6 @@ std::string slashedPath(std::string colonPath)
 {
     std::replace(colonPath.begin(), colonPath.end(), ':', '/');
     return colonPath;
-}
-
-bool isStartupVolume(FSVolumeRefNum volume)
-{
-    FSVolumeRefNum startup = kFSInvalidVolumeRefNum;
-    return FSGetVolumeInfo(kFSInvalidVolumeRefNum, 1, &startup, kFSVolInfoNone, nullptr, nullptr, nullptr) == noErr && startup == volume;
 }
 
 OSErr colonPathOfFolder(const Plugin &plugin, FSVolumeRefNum volume, SInt32 folderID, std::string &colonPath)

@@ -28,8 +28,6 @@ bool deleteColonPath(Invocation &invocation, const std::string &typed, const Pat
 // The path with slashes that a colon path stands for.
 std::string slashedPath(std::string colonPath);
 
-bool isStartupVolume(FSVolumeRefNum volume);
-
 // The colon path of a folder, in UTF-8. Result: that of ZerbPathNameFromDirID; diffVolErr where the folder is not on the startup volume,
 // which is the only one that such paths lead to.
 OSErr colonPathOfFolder(const Plugin &plugin, FSVolumeRefNum volume, SInt32 folderID, std::string &colonPath);

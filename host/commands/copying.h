@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <optional>
-#include <string>
 
 namespace host
 {

@@ -2,7 +2,6 @@
 
 #include "host/commands/trees.h"
 
-#include <optional>
 #include <vector>
 
 namespace host

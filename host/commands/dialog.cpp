@@ -69,10 +69,19 @@ bool hasSomebodyToAnswer(Invocation &invocation, const Options &options)
     return problem.empty();
 }
 
+// The sample lies beside the program, where a startup volume that is a folder need not reach.
+bool isSampleOutOfReach(const std::string &file)
+{
+    return file == sampleFile() && std::filesystem::exists(file);
+}
+
 void show(Invocation &invocation, const Options &options)
 {
     FSRef ref;
     OSStatus result = findObject(options.file, Links::follow, ref);
+    if (result != noErr && isSampleOutOfReach(options.file))
+        return invocation.report.problem(options.file, "the sample does not lie on the startup volume: do without ZERB_STARTUP_VOLUME, "
+                                                       "or name a FILE that does");
     if (result != noErr)
         return invocation.report.failure(options.file, result);
     const SInt16 number = FSOpenResFile(&ref, fsRdPerm);

@@ -1,7 +1,6 @@
 #include "host/commands/dialog_controls.h"
 
 #include <charconv>
-#include <limits>
 #include <sstream>
 
 namespace host

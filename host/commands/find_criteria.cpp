@@ -97,6 +97,23 @@ void addStateCriteria(Arguments &arguments, FindCriteria &criteria)
         .excludes(locked);
 }
 
+// "12", "12k", "3M", "1G": bytes, or thousands, millions and so on of them.
+UInt64 sizeFromText(const std::string &text)
+{
+    UInt64 number = 0;
+    const char *end = text.data() + text.size();
+    auto [stop, error] = std::from_chars(text.data(), end, number);
+    constexpr std::string_view letters = "kMGT";
+    std::size_t letter = stop + 1 == end ? letters.find(*stop) : std::string_view::npos;
+    bool isSize = error == std::errc() && (stop == end || letter != std::string_view::npos);
+    UInt64 unit = 1;
+    for (std::size_t power = 0; isSize && stop != end && power <= letter; ++power)
+        unit *= 1000;
+    if (!isSize || number > std::numeric_limits<UInt64>::max() / unit)
+        throw UsageError("\"" + text + "\" is no size, such as 12, 12k, 3M or 1G");
+    return number * unit;
+}
+
 void addDateAndSizeCriteria(Arguments &arguments, FindCriteria &criteria)
 {
     auto readNewer = [&](const std::string &text) { criteria.newer = dateOfNow(text); };
@@ -145,22 +162,6 @@ void addCriteria(Arguments &arguments, FindCriteria &criteria)
     addNameCriteria(arguments, criteria);
     addStateCriteria(arguments, criteria);
     addDateAndSizeCriteria(arguments, criteria);
-}
-
-UInt64 sizeFromText(const std::string &text)
-{
-    UInt64 number = 0;
-    const char *end = text.data() + text.size();
-    auto [stop, error] = std::from_chars(text.data(), end, number);
-    constexpr std::string_view letters = "kMGT";
-    std::size_t letter = stop + 1 == end ? letters.find(*stop) : std::string_view::npos;
-    bool isSize = error == std::errc() && (stop == end || letter != std::string_view::npos);
-    UInt64 unit = 1;
-    for (std::size_t power = 0; isSize && stop != end && power <= letter; ++power)
-        unit *= 1000;
-    if (!isSize || number > std::numeric_limits<UInt64>::max() / unit)
-        throw UsageError("\"" + text + "\" is no size, such as 12, 12k, 3M or 1G");
-    return number * unit;
 }
 
 }   // namespace host

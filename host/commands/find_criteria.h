@@ -37,7 +37,4 @@ struct FindCriteria
 
 void addCriteria(Arguments &arguments, FindCriteria &criteria);
 
-// "12", "12k", "3M", "1G": bytes, or thousands, millions and so on of them. Throws UsageError.
-UInt64 sizeFromText(const std::string &text);
-
 }   // namespace host

@@ -15,7 +15,6 @@
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace host
 {

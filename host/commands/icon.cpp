@@ -190,7 +190,7 @@ Action declareIcon(Arguments &arguments)
 {
     auto options = std::make_shared<Options>();
     arguments.path("FILE", options->path, "a file with resources; what a symbolic link leads to");
-    arguments.path("ID", options->id, "the icon's ID; a negative one goes behind --");
+    arguments.path("ID", options->id, "the icon's ID");
     addPictureFile(arguments, options->picture).require();
     declareLooks(arguments, *options);
     arguments.text(
@@ -213,7 +213,7 @@ const Command iconCommand = {
     "The resources are those that `zerb rsrc list` lists.\n",
     "  zerb icon Tools.rsrc 128 -o tool.png\n"
     "  zerb icon --label below --transform selected,disabled Tools.rsrc 128 -o tool.png --scale 4\n"
-    "  zerb icon --size small --background c0c0c0 -o custom.png ._Picture -- -16455\n"
+    "  zerb icon --size small --background c0c0c0 -o custom.png ._Picture -16455\n"
     "  zerb icon --sicn 2 Tools.rsrc 200 -o arrow.png\n",
     declareIcon,
 };

@@ -30,6 +30,8 @@ void make(Invocation &invocation, const std::string &typed, const Options &optio
     invocation.report.failure(typed, result);
     if (result == fnfErr && typed.rfind(':') == 0)
         invocation.report.remark(typed, "a file in the root is made with two colons, as :" + typed);
+    else if (result == fnfErr || result == dirNFErr)
+        invocation.report.remark(typed, "the folder that it is to lie in has to be there, as :Work: is for :Work:Notes");
 }
 
 Action declareNew(Arguments &arguments)

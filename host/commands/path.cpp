@@ -217,7 +217,7 @@ const Command pathCommand = {
     "  zerb path Letter /tmp\n"
     "  zerb path --json Letter\n"
     "  zerb path --from Linux 2 tmp\n"
-    "  zerb path --from -- -100 2\n",
+    "  zerb path --from -100 2\n",
     declarePath,
 };
 

@@ -9,7 +9,6 @@
 #include "platform/files.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 

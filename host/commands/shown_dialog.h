@@ -5,7 +5,6 @@
 #include "host/commands/dialog_controls.h"
 
 #include <string>
-#include <vector>
 
 namespace host
 {

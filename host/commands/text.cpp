@@ -5,7 +5,6 @@
 #include "host/text.h"
 
 #include <cstdio>
-#include <memory>
 #include <utility>
 
 namespace host

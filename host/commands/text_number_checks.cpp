@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdint>
 #include <optional>
-#include <string>
 
 namespace host
 {

@@ -9,8 +9,6 @@ namespace
 {
 
 constexpr Pixel outsideMask = 0x00FFFFFF;
-constexpr int smallIconSide = 16;
-constexpr std::size_t smallIconSize = 32;
 
 std::size_t imageSize(int side, int bitsPerPixel)
 {
@@ -74,12 +72,6 @@ IconPixels readIconMember(const IconMemberKind &kind, std::string_view bytes, st
     if (masking.size() > beforeMask)
         applyMask(masking.substr(beforeMask), icon);
     return icon;
-}
-
-IconPixels readSmallIcon(std::string_view list, std::size_t index)
-{
-    const bool isThere = index < list.size() / smallIconSize + 1;   // and index * smallIconSize cannot overflow
-    return readImage(isThere ? list.substr(index * smallIconSize) : std::string_view(), smallIconSide, 1);
 }
 
 }   // namespace standin

@@ -42,7 +42,4 @@ struct IconPixels
 // so do bytes that end before the mask. Bytes that are missing count as 0, and those too many do not count.
 IconPixels readIconMember(const IconMemberKind &kind, std::string_view bytes, std::string_view masking);
 
-// One picture of a list of small icons (SICN), as the pixels of a member of 1 bit that has no mask. Missing bytes count as 0.
-IconPixels readSmallIcon(std::string_view list, std::size_t index);
-
 }   // namespace standin

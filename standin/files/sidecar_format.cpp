@@ -120,18 +120,6 @@ const SidecarEntry *SidecarLayout::find(std::uint32_t id) const
     return found == entries.end() ? nullptr : &*found;
 }
 
-const char *describe(SidecarProblem problem)
-{
-    switch (problem)
-    {
-    case SidecarProblem::none: return "nothing is wrong";
-    case SidecarProblem::notASidecar: return "not a sidecar";
-    case SidecarProblem::truncated: return "the sidecar ends too early";
-    case SidecarProblem::badTable: return "the sidecar's table contradicts itself";
-    }
-    return "unknown problem";
-}
-
 SidecarProblem parseSidecar(std::span<const std::uint8_t> head, std::uint64_t fileSize, SidecarLayout &layout)
 {
     if (head.size() > fileSize)
@@ -174,20 +162,6 @@ bool isIntentionallyBlankFork(std::span<const std::uint8_t> fork)
         return false;
     const auto reserved = fork.subspan(reservedAt, reservedSize);
     return std::search(reserved.begin(), reserved.end(), sentence.begin(), sentence.end()) != reserved.end();
-}
-
-std::array<std::uint8_t, plainSidecarSize> buildPlainSidecar(std::span<const std::uint8_t, finderInfoSize> finderInfo,
-                                                             std::uint32_t forkLength)
-{
-    constexpr std::uint32_t finderInfoAt = plainSidecarSize - finderInfoSize;
-    static_assert(finderInfoAt == tableEnd(2));
-
-    std::array<std::uint8_t, plainSidecarSize> sidecar = {};
-    writeHeader(sidecar.data(), SidecarFiller{}, 2);
-    writeDescriptor(sidecar.data() + tableEnd(0), kFinderInfoEntry, finderInfoAt, finderInfoSize);
-    writeDescriptor(sidecar.data() + tableEnd(1), kResourceForkEntry, plainSidecarSize, forkLength);
-    std::copy(finderInfo.begin(), finderInfo.end(), sidecar.begin() + finderInfoAt);
-    return sidecar;
 }
 
 std::vector<std::uint8_t> buildSidecarHead(std::span<const SidecarPiece> pieces, std::span<const std::uint8_t, 16> filler,

@@ -35,8 +35,7 @@ constexpr std::size_t sidecarHeaderSize = 26;
 constexpr std::size_t sidecarDescriptorSize = 12;
 constexpr std::size_t mostSidecarEntries = 64;   // more than any writer makes; a table with more is refused
 constexpr std::size_t largestSidecarTable = sidecarHeaderSize + mostSidecarEntries * sidecarDescriptorSize;
-constexpr std::uint32_t finderInfoSize = 32;     // the two 16-byte records
-constexpr std::uint32_t plainSidecarSize = 82;   // header, two descriptors, Finder information; the fork follows
+constexpr std::uint32_t finderInfoSize = 32;   // the two 16-byte records
 
 struct SidecarEntry
 {
@@ -63,9 +62,6 @@ enum class SidecarProblem
     badTable,      // entry 0, an entry twice, entries or the table overlapping, or more than mostSidecarEntries
 };
 
-// The problem in a few plain words, for a message.
-const char *describe(SidecarProblem problem);
-
 // Reads the table from the first bytes of a sidecar; `fileSize` is the size of the whole file. `head` must hold the whole table
 // (sidecarHeaderSize + 12 × entries; largestSidecarTable bytes are always enough) unless the file itself is shorter; a `head` cut off inside the table
 // is `truncated`. So is every entry that goes past the end, the resource fork included: a fork that lost its end is not shown as a shorter one.
@@ -77,10 +73,6 @@ SidecarProblem parseSidecar(std::span<const std::uint8_t> head, std::uint64_t fi
 // A resource fork that says it was left blank on purpose counts as none: exactly 286 bytes, no data, and the sentence
 // "This resource fork intentionally left blank" in the header's reserved bytes.
 bool isIntentionallyBlankFork(std::span<const std::uint8_t> fork);
-
-// The 82 bytes of the form that every other system opens: version 2, filler zeros, entry 9 at 50 with 32 bytes, entry 2 at 82 with `forkLength`.
-std::array<std::uint8_t, plainSidecarSize> buildPlainSidecar(std::span<const std::uint8_t, finderInfoSize> finderInfo,
-                                                             std::uint32_t forkLength);
 
 // One small entry of a sidecar to be written anew.
 struct SidecarPiece

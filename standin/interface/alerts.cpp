@@ -6,7 +6,6 @@
 #include "platform/resources.h"
 #include "standin/resources/resources.h"
 
-#include <cstddef>
 #include <cstring>
 
 using namespace standin;

@@ -46,6 +46,21 @@ Point localPoint(const OpaqueDialogPtr &dialog, Point where)
     return where;
 }
 
+// Follows the mouse until it is released. Result: whether that was over the control.
+bool trackControl(OpaqueDialogPtr &dialog, DialogItemIndex number)
+{
+    const Rect box = dialog.items[static_cast<std::size_t>(number - 1)].box;
+    const auto isInside = [&](Point where) { return PtInRect(localPoint(dialog, where), &box) != 0; };
+    bool isPressed = true;
+    drawItem(dialog, number, isPressed);
+    const Point release = placeOfRelease([&](Point where) {
+        if (isInside(where) != isPressed)
+            drawItem(dialog, number, isPressed = isInside(where));
+    });
+    drawItem(dialog, number, false);
+    return isInside(release);
+}
+
 DialogItemIndex itemPressed(DialogRef dialog, const EventRecord &event)
 {
     WindowRef window = nullptr;
@@ -115,25 +130,6 @@ bool closes(DialogRef dialog, const EventRecord &event)
 }
 
 }   // namespace
-
-namespace standin
-{
-
-bool trackControl(OpaqueDialogPtr &dialog, DialogItemIndex number)
-{
-    const Rect box = dialog.items[static_cast<std::size_t>(number - 1)].box;
-    const auto isInside = [&](Point where) { return PtInRect(localPoint(dialog, where), &box) != 0; };
-    bool isPressed = true;
-    drawItem(dialog, number, isPressed);
-    const Point release = placeOfRelease([&](Point where) {
-        if (isInside(where) != isPressed)
-            drawItem(dialog, number, isPressed = isInside(where));
-    });
-    drawItem(dialog, number, false);
-    return isInside(release);
-}
-
-}   // namespace standin
 
 Boolean IsDialogEvent(const EventRecord *event)
 {

@@ -69,7 +69,4 @@ void drawItem(OpaqueDialogPtr &dialog, DialogItemIndex item, bool isPressed = fa
 // Into the current port, at its place in an alert.
 void drawSign(Sign sign);
 
-// Follows the mouse on a control until it is released. Result: whether that was over the control.
-bool trackControl(OpaqueDialogPtr &dialog, DialogItemIndex item);
-
 }   // namespace standin

@@ -30,6 +30,18 @@ std::deque<EventRecord>::iterator oldest(EventMask mask)
     return std::find_if(queue().begin(), queue().end(), [&](const EventRecord &event) { return isWanted(event, mask); });
 }
 
+void postEvent(const EventRecord &event)
+{
+    if (queue().size() == mostEvents)
+        queue().pop_front();
+    queue().push_back(event);
+}
+
+bool isQuit(const EventRecord &event)
+{
+    return event.what == kHighLevelEvent && event.message == kCoreEventClass;
+}
+
 EventRecord eventOf(EventKind kind, const Input &input)
 {
     MouseState mouse{input.where, kind == mouseDown, input.modifiers};
@@ -140,13 +152,6 @@ bool takeEvent(EventMask mask, EventRecord &event)
     return true;
 }
 
-void postEvent(const EventRecord &event)
-{
-    if (queue().size() == mostEvents)
-        queue().pop_front();
-    queue().push_back(event);
-}
-
 void forgetEvents()
 {
     queue().clear();
@@ -182,11 +187,6 @@ Point placeOfRelease(const std::function<void(Point)> &moved)
     EventRecord release;
     const bool isNext = peekEvent(mDownMask | mUpMask, release) && release.what == mouseUp;
     return isNext && takeEvent(mUpMask, release) ? release.where : mouseNow().where;
-}
-
-bool isQuit(const EventRecord &event)
-{
-    return event.what == kHighLevelEvent && event.message == kCoreEventClass;
 }
 
 bool quitIsWaiting()

@@ -14,7 +14,6 @@ void pump();
 bool eventIsWaiting(EventMask mask);                  // without a pump
 bool takeEvent(EventMask mask, EventRecord &event);   // the oldest of these kinds
 bool peekEvent(EventMask mask, EventRecord &event);   // the same, and leaves it there
-void postEvent(const EventRecord &event);
 
 void forgetEvents();                                 // all of them
 void forgetEvents(EventMask mask, EventMask stop);   // of these kinds, before the first one of a kind in `stop`
@@ -25,7 +24,6 @@ MouseState mouseNow();                               // as the last pump found i
 Point placeOfRelease(const std::function<void(Point)> &moved);
 bool isStillDown();     // likewise: held, and no press or release waits to be taken
 bool quitIsWaiting();   // the program is to end, so whoever waits for an answer gives up
-bool isQuit(const EventRecord &event);
 EventRecord eventOf(EventKind kind, const MouseState &mouse, UInt32 when);   // with no message
 
 }   // namespace standin

@@ -3,7 +3,6 @@
 
 #include "platform/platform.h"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 

@@ -6,7 +6,6 @@
 
 #include "platform/platform.h"
 
-#include <cstddef>
 #include <optional>
 #include <string>
 

@@ -6,7 +6,6 @@
 #include "platform/drawing.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 namespace standin

@@ -2,7 +2,6 @@
 #include "standin/interface/script.h"
 
 #include <charconv>
-#include <limits>
 #include <sstream>
 
 namespace standin

@@ -4,7 +4,6 @@
 #include "standin/screen.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace standin
 {

@@ -4,6 +4,8 @@
 
 #include "platform/drawing.h"
 
+#include <vector>
+
 namespace standin
 {
 
@@ -43,8 +45,7 @@ std::size_t lineLength(const std::string &text, std::size_t begin, int width)
     return text.size() - begin;
 }
 
-}   // namespace
-
+// Broken at line ends, and where the text is wider than so many pixels between words; within a word only if that alone is too wide.
 std::vector<std::string> linesOf(const std::string &text, int width)
 {
     std::vector<std::string> lines;
@@ -58,6 +59,8 @@ std::vector<std::string> linesOf(const std::string &text, int width)
     }
     return lines;
 }
+
+}   // namespace
 
 void drawLines(const std::string &text, const Rect &box)
 {

@@ -4,16 +4,12 @@
 #include "platform/platform.h"
 
 #include <string>
-#include <vector>
 
 namespace standin
 {
 
-// Breaks a text at its line ends, and where it is wider than so many pixels between words; within a word only if that alone is too wide.
-// No line has more than 255 bytes.
-std::vector<std::string> linesOf(const std::string &text, int width);
-
-// Draws them one below the other, from the top left corner of a rectangle.
+// Draws a text in lines, one below the other, from the top left corner of a rectangle. They are broken at line ends, and where they would be wider than
+// the rectangle between words; within a word only if that alone is too wide. No line has more than 255 bytes.
 void drawLines(const std::string &text, const Rect &box);
 
 // Draws a line in the middle of a rectangle's height, beginning at `left`.

@@ -11,7 +11,6 @@
 
 #include "platform/drawing.h"
 
-#include <algorithm>
 #include <new>
 
 using namespace standin;

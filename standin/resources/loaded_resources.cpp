@@ -2,11 +2,21 @@
 
 #include "standin/memory/handles.h"
 
+#include <memory>
+
 namespace standin
 {
 
 namespace
 {
+
+struct Disposal
+{
+    void operator()(Handle handle) const { DisposeHandle(handle); }
+};
+
+// One that belongs to no entry yet, if it ever will.
+using OwnHandle = std::unique_ptr<Ptr, Disposal>;
 
 std::unordered_map<Handle, ResourcePosition> &positions()
 {
@@ -41,11 +51,20 @@ Handle existingHandle(const ResourcePosition &position)
     return found == position.file->handles.end() ? nullptr : found->second;
 }
 
+// Both sides know it, or without memory neither does.
 void remember(const ResourcePosition &position, Handle handle)
 {
-    setDisposalObserver(forgetDisposed);
-    position.file->handles.emplace(position.entry, handle);
     positions().emplace(handle, position);
+    try
+    {
+        position.file->handles.emplace(position.entry, handle);
+    }
+    catch (const std::bad_alloc &)
+    {
+        positions().erase(handle);
+        throw;
+    }
+    setDisposalObserver(forgetDisposed);
     watchHandle(handle, true);
 }
 
@@ -74,19 +93,17 @@ OSErr load(const ResourcePosition &position, Handle handle)
 
 OSErr handleOf(const ResourcePosition &position, bool wantsBytes, Handle &handle)
 {
-    Handle known = existingHandle(position);
-    Handle made = known ? nullptr : newEmptyHandle();
-    Handle used = known ? known : made;
+    const Handle known = existingHandle(position);
+    OwnHandle made(known ? nullptr : newEmptyHandle());
+    const Handle used = known ? known : made.get();
     if (!used)
         return memFullErr;
     const OSErr result = wantsBytes ? load(position, used) : static_cast<OSErr>(noErr);
     if (result != noErr)
-    {
-        DisposeHandle(made);
         return result;
-    }
     if (made)
-        remember(position, made);
+        remember(position, made.get());
+    made.release();
     handle = used;
     return noErr;
 }
@@ -99,13 +116,12 @@ OSErr copyBytes(const ResourcePosition &position, std::string &bytes)
         bytes.assign(*known, static_cast<std::size_t>(GetHandleSize(known)));
         return noErr;
     }
-    const Handle copy = newEmptyHandle();   // which may be refused a size that a string is not
+    const OwnHandle copy(newEmptyHandle());   // which may be refused a size that a string is not
     if (!copy)
         return memFullErr;
-    const OSErr result = load(position, copy);
+    const OSErr result = load(position, copy.get());
     if (result == noErr)
-        bytes.assign(*copy, static_cast<std::size_t>(GetHandleSize(copy)));
-    DisposeHandle(copy);
+        bytes.assign(*copy, static_cast<std::size_t>(GetHandleSize(copy.get())));
     return result;
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 
 using namespace standin;
 
@@ -62,12 +63,18 @@ Handle handleAt(const ResourcePosition &position)
 
 template <typename Key>
 Handle getResource(ResType type, const Key &key, bool isWholeChain)
+try
 {
     const std::lock_guard lock(resourceLock());
     ResourcePosition position;
     if (findInChain(type, key, isWholeChain, position))
         return handleAt(position);
     report(resNotFound);
+    return nullptr;
+}
+catch (const std::bad_alloc &)
+{
+    report(memFullErr);
     return nullptr;
 }
 
@@ -102,11 +109,17 @@ bool copyResource(ResType type, SInt16 resID, std::string &bytes)
 // Nothing is ever written, but with a permission to write the file must allow that.
 // Result: the number of the open fork; -1 on failure, then ResError tells why (resource_files.h).
 SInt16 FSOpenResFile(const FSRef *ref, SInt8 permission)
+try
 {
     const std::lock_guard lock(resourceLock());
     SInt16 number = noFile;
     report(ref ? openResourceFile(*ref, permission, number) : static_cast<OSErr>(paramErr));
     return number;
+}
+catch (const std::bad_alloc &)
+{
+    report(memFullErr);
+    return noFile;
 }
 
 // The file's resources are released; handles that were detached stay. resFNotFound if it is not open.
@@ -263,6 +276,7 @@ SInt16 Count1Resources(ResType type)
 
 // In the order of the file. Where two have one ID, each comes with a handle of its own.
 Handle Get1IndResource(ResType type, SInt16 index)
+try
 {
     const std::lock_guard lock(resourceLock());
     ResourceFile *file = currentResourceFile();
@@ -270,6 +284,11 @@ Handle Get1IndResource(ResType type, SInt16 index)
     if (list && index >= 1 && static_cast<std::size_t>(index) <= list->entries.size())
         return handleAt({file, list->entries[static_cast<std::size_t>(index) - 1]});
     report(resNotFound);
+    return nullptr;
+}
+catch (const std::bad_alloc &)
+{
+    report(memFullErr);
     return nullptr;
 }
 

@@ -87,18 +87,6 @@ ResourcePlace placeInAppleDouble(std::span<const std::uint8_t> head, std::uint64
 
 }   // namespace
 
-const char *nameOfContainer(ResourceContainer container)
-{
-    switch (container)
-    {
-    case ResourceContainer::bare: return "bare resource fork";
-    case ResourceContainer::appleDouble: return "AppleDouble";
-    case ResourceContainer::appleSingle: return "AppleSingle";
-    case ResourceContainer::macBinary: return "MacBinary";
-    }
-    return "unknown container";
-}
-
 ResourcePlace findResourcePlace(std::span<const std::uint8_t> head, std::uint64_t fileSize)
 {
     const std::uint32_t magic = head.size() >= 4 ? readBig32(head.data()) : 0;

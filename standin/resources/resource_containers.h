@@ -25,9 +25,6 @@ struct ResourcePlace
     bool isDamaged = false;                 // the container contradicts itself or is cut off
 };
 
-// The name of a container in a message: "AppleDouble".
-const char *nameOfContainer(ResourceContainer container);
-
 // `head` is the beginning of the file: containerHeadSize bytes, or all if there are fewer.
 ResourcePlace findResourcePlace(std::span<const std::uint8_t> head, std::uint64_t fileSize);
 

@@ -130,10 +130,10 @@ OSErr openAnew(const FSRef &object, SInt8 permission, SInt16 &number)
     file->size = place.length;
     if (OSErr result = readMap(*file))
         return result == eofErr ? static_cast<OSErr>(mapReadErr) : result;   // cut off meanwhile
-    fork.keep();
-    number = file->number;
-    chain().current = file.get();
     chain().files.push_back(std::move(file));
+    chain().current = chain().files.back().get();
+    fork.keep();
+    number = fork.number();
     return noErr;
 }
 

@@ -15,7 +15,7 @@ namespace
 {
 
 // Where the fields of the map stand.
-constexpr std::size_t attributesAt = 22, typeListAt = 24, nameListAt = 26, fixedFieldsEnd = 28;
+constexpr std::size_t typeListAt = 24, nameListAt = 26, fixedFieldsEnd = 28;
 
 constexpr std::size_t typeSize = 8, referenceSize = 12;
 constexpr std::uint32_t compressedBeginning = 0xA89F6572;
@@ -117,11 +117,6 @@ ResourceTypeList &ResourceMap::listOf(ResType type)
     if (isNew)
         types_.push_back({type, {}});
     return types_[place->second];
-}
-
-std::uint16_t ResourceMap::attributes() const
-{
-    return readBig16(bytes_.data() + attributesAt);
 }
 
 const ResourceTypeList *ResourceMap::findType(ResType type) const

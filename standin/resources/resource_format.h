@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -66,7 +65,6 @@ public:
 
     const std::vector<ResourceEntry> &entries() const { return entries_; }   // in the order of the file
     const std::vector<ResourceTypeList> &types() const { return types_; }    // each type once, where it comes first
-    std::uint16_t attributes() const;                                        // of the whole file
 
     const ResourceTypeList *findType(ResType type) const;                           // null if there is none
     std::optional<std::uint32_t> find(ResType type, SInt16 id) const;               // the first of several

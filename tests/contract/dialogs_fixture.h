@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <ostream>
 
 // Records that are compared have no padding.

@@ -6,7 +6,6 @@
 #include "tests/contract/platform_double.h"
 
 #include <cstring>
-#include <string_view>
 
 namespace
 {

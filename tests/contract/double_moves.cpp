@@ -2,8 +2,6 @@
 
 #include "tests/contract/platform_double.h"
 
-#include <utility>
-
 namespace
 {
 

@@ -4,7 +4,6 @@
 
 #include "tests/contract/dialogs_fixture.h"
 
-#include <deque>
 #include <string>
 
 constexpr SInt16 trackedFamily = 128, trackedItem = 3, trackedAlignment = 5, trackedMenu = 200;

@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 // A variable for every output of the functions on volumes
 struct VolumeResults
 {

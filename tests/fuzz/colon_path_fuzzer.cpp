@@ -4,7 +4,6 @@
 #include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 
 namespace

@@ -5,7 +5,6 @@
 #include "standin/files/volume_opening.h"
 #include "tests/fuzz/require.h"
 
-#include <algorithm>
 #include <set>
 
 namespace

@@ -85,7 +85,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const Bytes file(data, size);
     const ResourcePlace place = findResourcePlace(file.first(std::min(size, containerHeadSize)), size);
-    require(nameOfContainer(place.container) != nullptr);
     readFork(file);
     if (place.isDamaged)
         return 0;

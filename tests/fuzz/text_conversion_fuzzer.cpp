@@ -4,7 +4,6 @@
 #include "standin/text/unicode_forms.h"
 #include "tests/fuzz/require.h"
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>

@@ -4,7 +4,6 @@
 #include "tests/standin/test_volume.h"
 
 #include <algorithm>
-#include <string>
 
 namespace support
 {

@@ -2,7 +2,6 @@
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -5,7 +5,6 @@
 #include "tests/standin/tracing.h"
 
 #include <csignal>
-#include <cstring>
 #include <set>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
@@ -75,29 +74,23 @@ const Role actsOnce("actsOnceUnderATracer", [](const RoleArguments &arguments) {
 
 using Row = std::tuple<DiskKind, const char *>;
 
-class CutOff : public testing::TestWithParam<Row>
+class CutOff : public DiskRowTest<Row>
 {
 protected:
     void SetUp() override
     {
-        const Disk &disk = diskOf(std::get<0>(GetParam()));
-        if (!disk.problem.empty())
-            GTEST_SKIP() << disk.problem;
-        folder_.emplace(disk);
-        if (action() == "Exchange" && !offersExchange(refAt(folder_->path())))
+        DiskRowTest::SetUp();
+        if (!IsSkipped() && action() == "Exchange" && !offersExchange(refAt(folder().path())))
             GTEST_SKIP() << "files are not exchanged on this disk";
     }
     std::string action() const { return std::get<1>(GetParam()); }
-    std::string place(int round, const std::string &name) { return *folder_ / (std::to_string(round) + name); }
+    std::string place(int round, const std::string &name) { return folder() / (std::to_string(round) + name); }
 
     void makeScene(int round);
     void expectBeforeOrAfter(int round);
     void expectExchangedOrOnTheWay(int round);
     void clearAway(int round);
     UInt32 listed(int round);
-
-private:
-    std::optional<TemporaryFolder> folder_;
 };
 
 Bytes forkOfFile(const std::string &name)

@@ -1,7 +1,6 @@
 // Deleting what an iterator hands out: at the cost of the bare call, but never another object, and nothing is left behind.
 #include "tests/standin/trees.h"
 
-#include <algorithm>
 #include <chrono>
 #include <sys/mount.h>
 #include <thread>

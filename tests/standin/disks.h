@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <tuple>
 #include <vector>
 
 namespace support
@@ -94,15 +95,28 @@ private:
     std::string path_, problem_;
 };
 
-// A test that takes place once on every disk.
-class DiskTest : public testing::TestWithParam<DiskKind>
+inline DiskKind diskOfRow(DiskKind row)
+{
+    return row;
+}
+
+template <typename... More>
+DiskKind diskOfRow(const std::tuple<DiskKind, More...> &row)
+{
+    return std::get<0>(row);
+}
+
+// A test in rows, each with a kind of disk and perhaps more; it takes place in a folder on that disk.
+template <typename Row>
+class DiskRowTest : public testing::TestWithParam<Row>
 {
 protected:
     void SetUp() override
     {
-        if (!diskOf(GetParam()).problem.empty())
-            GTEST_SKIP() << diskOf(GetParam()).problem;
-        folder_.emplace(diskOf(GetParam()));
+        const Disk &disk = diskOf(diskOfRow(this->GetParam()));
+        if (!disk.problem.empty())
+            GTEST_SKIP() << disk.problem;
+        folder_.emplace(disk);
     }
     TemporaryFolder &folder() { return *folder_; }
     const Disk &disk() const { return folder_->disk(); }
@@ -110,6 +124,9 @@ protected:
 private:
     std::optional<TemporaryFolder> folder_;
 };
+
+// A test that takes place once on every disk.
+using DiskTest = DiskRowTest<DiskKind>;
 
 #define ON_EVERY_DISK(suite) INSTANTIATE_TEST_SUITE_P(EveryDisk, suite, testing::ValuesIn(support::everyKind()), support::diskName)
 

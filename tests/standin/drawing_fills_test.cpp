@@ -1,8 +1,6 @@
 // Rectangles that are painted, erased, framed and inverted.
 #include "tests/standin/test_port.h"
 
-#include <cstring>
-
 namespace
 {
 

@@ -4,8 +4,6 @@
 #include "tests/standin/test_volume.h"
 
 #include <csignal>
-#include <cstring>
-#include <map>
 #include <random>
 #include <set>
 #include <sys/stat.h>

@@ -187,15 +187,14 @@ void PrintTo(const Reading &reading, std::ostream *stream)
 
 using Row = std::tuple<DiskKind, Reading>;
 
-class FaultsInReading : public testing::TestWithParam<Row>
+class FaultsInReading : public DiskRowTest<Row>
 {
 protected:
     void SetUp() override
     {
-        const Disk &disk = diskOf(std::get<0>(GetParam()));
-        if (!disk.problem.empty())
-            GTEST_SKIP() << disk.problem;
-        folder_.emplace(disk);
+        DiskRowTest::SetUp();
+        if (IsSkipped())
+            return;
         makeScene();
         ASSERT_EQ(read(right_), noErr);
         ASSERT_EQ(getEverything(scene_.bare, defaults_), noErr);
@@ -211,7 +210,7 @@ protected:
 private:
     void makeScene()
     {
-        scene_.directory = *folder_ / "scene";
+        scene_.directory = folder() / "scene";
         makeUsualScene(scene_.directory);
         writeOldFile(scene_.directory + "/bare", "data");
         FSRef file = refAt(scene_.directory + "/file");
@@ -227,7 +226,6 @@ private:
 
     bool isDefault(const std::string &item, const std::string &value) const;
 
-    std::optional<TemporaryFolder> folder_;
     ReadingScene scene_{};
     Answer defaults_;
     std::string onDisk_;

@@ -5,7 +5,6 @@
 #include "tests/standin/faults_scene.h"
 
 #include <algorithm>
-#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -14,16 +13,15 @@ namespace support
 
 using ChangeRow = std::tuple<DiskKind, const Change *>;
 
-class ChangeInRounds : public testing::TestWithParam<ChangeRow>
+class ChangeInRounds : public DiskRowTest<ChangeRow>
 {
 protected:
     void SetUp() override
     {
-        const Disk &disk = diskOf(std::get<0>(GetParam()));
-        if (!disk.problem.empty())
-            GTEST_SKIP() << disk.problem;
-        folder_.emplace(disk);
-        if (change().isExchange && !offersExchange(refAt(folder_->path())))
+        DiskRowTest::SetUp();
+        if (IsSkipped())
+            return;
+        if (change().isExchange && !offersExchange(refAt(folder().path())))
             GTEST_SKIP() << "files are not exchanged on this disk";
         before_ = pictureAfter([](const std::string &) {});
         after_ = pictureAfter([this](const std::string &directory) {
@@ -41,7 +39,7 @@ protected:
 
     std::string makeScene()
     {
-        std::string directory = *folder_ / std::to_string(++rounds_);
+        std::string directory = folder() / std::to_string(++rounds_);
         makeUsualScene(directory);
         if (change().prepare)
             change().prepare(directory);
@@ -80,7 +78,6 @@ private:
         return picture;
     }
 
-    std::optional<TemporaryFolder> folder_;
     Picture before_, after_;
     std::vector<std::pair<WhenStopped, Picture>> stops_;
     int rounds_ = 0;

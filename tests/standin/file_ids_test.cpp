@@ -4,7 +4,6 @@
 
 #include "standin/files/exchange_journal.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <sys/stat.h>

@@ -3,7 +3,6 @@
 #include "tests/standin/test_volume.h"
 
 #include <algorithm>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 

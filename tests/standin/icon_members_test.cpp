@@ -253,30 +253,6 @@ TEST(IconMembers, AnyBytesGiveAnIcon)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Lists of small icons
-
-TEST(SmallIcons, EachPictureHas32Bytes)
-{
-    const std::string list = repeated(32, 0x00) + std::string("\xC0\x01", 2) + repeated(30, 0xFF);
-    const IconPixels first = readSmallIcon(list, 0), second = readSmallIcon(list, 1);
-    EXPECT_EQ(rowOf(first, 0), "----------------");
-    EXPECT_EQ(rowOf(second, 0), "##-------------#");
-    EXPECT_EQ(rowOf(second, 15), "################");
-    EXPECT_EQ(second.bitsPerPixel, 1);
-}
-
-TEST(SmallIcons, WhatIsMissingIsWhite)
-{
-    const std::string list = repeated(40, 0xFF);
-    EXPECT_EQ(rowOf(readSmallIcon(list, 1), 3), "################");
-    EXPECT_EQ(rowOf(readSmallIcon(list, 1), 4), "----------------");
-    EXPECT_EQ(rowOf(readSmallIcon(list, 2), 0), "----------------");
-    EXPECT_EQ(rowOf(readSmallIcon(list, ~std::size_t{0}), 0), "----------------");
-    EXPECT_EQ(rowOf(readSmallIcon(list, ~std::size_t{0} / 32 + 1), 0), "----------------");
-    EXPECT_EQ(rowOf(readSmallIcon({}, 0), 0), "----------------");
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
 // A real icon
 
 // The bytes of a resource of the sample, whose data begin 256 bytes into the fork, which begins at 82.

@@ -50,7 +50,6 @@ TEST_P(Looks, ChangeThePixelsInsideTheMask)
 }
 
 constexpr Pixel black = 0xFF000000, white = 0xFFFFFFFF, gray = 0xFF808080, lightGray = 0xFFC0C0C0, orange = 0xFFFF6402, red = 0xFFF04030;
-constexpr Pixel inverse = 0x00FFFFFF;
 constexpr IconTransformType selected = kTransformSelected;
 
 // clang-format off

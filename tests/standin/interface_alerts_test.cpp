@@ -44,7 +44,7 @@ TEST_F(InterfaceAlerts, ReturnAnswersWithTheFirstItemAndEscapeWithTheSecond)
 
 TEST_F(InterfaceAlerts, MissingDamagedAndUnansweredOnesGiveMinusOne)
 {
-    for (SInt16 id : {130, 131, 132, 133})
+    for (SInt16 id = 130; id <= 133; ++id)
     {
         useScript("5 key return\n99 up");
         EXPECT_EQ(StopAlert(id, nullptr), -1) << id;

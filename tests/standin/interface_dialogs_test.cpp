@@ -70,7 +70,7 @@ TEST(InterfaceItemLists, LieAboutNothing)
     EXPECT_FALSE(standin::readItemList(stringOf(itemList({{kPictureDialogItem, {0, 0, 1, 1}, "x"}})), items));   // half an ID
     Bytes spoilt = itemList(usualItems);
     for (std::size_t place = 0; place < spoilt.size(); ++place)
-        for (std::uint8_t value : {0x00, 0x7F, 0x80, 0xFF})
+        for (std::uint8_t value : Bytes{0x00, 0x7F, 0x80, 0xFF})
         {
             std::uint8_t kept = std::exchange(spoilt[place], value);
             standin::readItemList(stringOf(spoilt), items);   // whatever comes, it comes back
@@ -105,7 +105,7 @@ TEST(InterfaceDialogs, AnItemThatIsNotThereLeavesTheOutputs)
 {
     useScript("");
     TestDialog dialog(usualItems, 200, 100);
-    for (DialogItemIndex item : {0, 5, -1, 32767})
+    for (DialogItemIndex item : std::initializer_list<DialogItemIndex>{0, 5, -1, 32767})
     {
         DialogItemType type = -77;
         auto handle = reinterpret_cast<Handle>(0x1234);

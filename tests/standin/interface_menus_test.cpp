@@ -101,7 +101,7 @@ TEST(InterfaceMenus, CutOffBytesHaveTheItemsThatAreWhole)
         EXPECT_GE(count, most);
         most = count;
         EXPECT_EQ(GetMenuID(menu), size >= 2 ? 200 : 0);
-        for (MenuItemIndex item : {0, 1, 2, 3, 4, 255, 0x7FFF, 0x8000, 0xFFFF})
+        for (MenuItemIndex item : std::initializer_list<MenuItemIndex>{0, 1, 2, 3, 4, 255, 0x7FFF, 0x8000, 0xFFFF})
         {
             CheckMenuItem(menu, item, true);
             EnableMenuItem(menu, item);

@@ -5,7 +5,6 @@
 #include "tests/standin/processes.h"
 #include "tests/standin/trees.h"
 
-#include <algorithm>
 #include <malloc.h>
 #include <sys/resource.h>
 

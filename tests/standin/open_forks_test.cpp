@@ -2,9 +2,7 @@
 #include "tests/standin/test_volume.h"
 
 #include <chrono>
-#include <set>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace

@@ -3,8 +3,6 @@
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
-#include <cstring>
-
 namespace
 {
 

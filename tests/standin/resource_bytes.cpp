@@ -43,6 +43,51 @@ std::uint16_t crc(const Bytes &bytes, std::size_t count)
     return static_cast<std::uint16_t>(sum);
 }
 
+// A fork in the making.
+struct ForkParts
+{
+    Bytes fork = Bytes(dataStart), types, references, names;
+    ForkPlaces places{};   // those of references are counted from the first one until all is put together
+
+    void add(const TestResource &resource);
+    Bytes together();
+};
+
+void ForkParts::add(const TestResource &resource)
+{
+    places.references.try_emplace({resource.type, resource.id}, references.size());
+    places.items.try_emplace({resource.type, resource.id}, fork.size());
+    appendBig(references, static_cast<std::uint16_t>(resource.id), 2);
+    appendBig(references, resource.name.empty() ? 0xFFFF : names.size(), 2);
+    appendBig(references, std::uint64_t{resource.attributes} << 24 | (fork.size() - dataStart), 4);
+    appendBig(references, 0, 4);
+    if (!resource.name.empty())
+        appendBig(names, resource.name.size(), 1);
+    append(names, bytesOf(resource.name));
+    appendBig(fork, resource.bytes.size(), 4);
+    append(fork, resource.bytes);
+}
+
+Bytes ForkParts::together()
+{
+    places.map = fork.size();
+    places.typeList = places.map + 28;
+    places.nameList = places.typeList + types.size() + references.size();
+    for (auto &[key, place] : places.references)
+        place += places.typeList + types.size();
+    setBig(fork, 0, dataStart, 4);
+    setBig(fork, 4, places.map, 4);
+    setBig(fork, 8, places.map - dataStart, 4);
+    fork.resize(places.typeList);
+    setBig(fork, places.map + 24, 28, 2);
+    setBig(fork, places.map + 26, places.nameList - places.map, 2);
+    for (const Bytes *part : {&types, &references, &names})
+        append(fork, *part);
+    setBig(fork, 12, fork.size() - places.map, 4);
+    std::copy_n(fork.begin(), 16, fork.begin() + static_cast<std::ptrdiff_t>(places.map));
+    return fork;
+}
+
 }   // namespace
 
 void setBig(Bytes &bytes, std::size_t at, std::uint64_t value, int width)
@@ -53,51 +98,22 @@ void setBig(Bytes &bytes, std::size_t at, std::uint64_t value, int width)
 
 Bytes resourceFork(const std::vector<TestResource> &resources, ForkPlaces *places)
 {
-    ForkPlaces found{};
-    Bytes fork(dataStart), types, references, names;
+    ForkParts parts;
     const std::vector<OSType> order = typesOf(resources);
-    appendBig(types, order.size() - 1, 2);   // none is 0xFFFF
+    appendBig(parts.types, order.size() - 1, 2);   // none is 0xFFFF
     for (const OSType type : order)
     {
         const auto count = std::count_if(resources.begin(), resources.end(), [&](const auto &one) { return one.type == type; });
-        appendBig(types, type, 4);
-        appendBig(types, static_cast<std::uint64_t>(count - 1), 2);
-        appendBig(types, 2 + 8 * order.size() + references.size(), 2);
+        appendBig(parts.types, type, 4);
+        appendBig(parts.types, static_cast<std::uint64_t>(count - 1), 2);
+        appendBig(parts.types, 2 + 8 * order.size() + parts.references.size(), 2);
         for (const TestResource &resource : resources)
-        {
-            if (resource.type != type)
-                continue;
-            found.references.try_emplace({type, resource.id}, references.size());
-            found.items.try_emplace({type, resource.id}, fork.size());
-            appendBig(references, static_cast<std::uint16_t>(resource.id), 2);
-            appendBig(references, resource.name.empty() ? 0xFFFF : names.size(), 2);
-            appendBig(references, std::uint64_t{resource.attributes} << 24 | (fork.size() - dataStart), 4);
-            appendBig(references, 0, 4);
-            if (!resource.name.empty())
-                appendBig(names, resource.name.size(), 1);
-            append(names, bytesOf(resource.name));
-            appendBig(fork, resource.bytes.size(), 4);
-            append(fork, resource.bytes);
-        }
+            if (resource.type == type)
+                parts.add(resource);
     }
-    found.map = fork.size();
-    found.typeList = found.map + 28;
-    found.nameList = found.typeList + types.size() + references.size();
-    for (auto &[key, place] : found.references)
-        place += found.typeList + types.size();
-    setBig(fork, 0, dataStart, 4);
-    setBig(fork, 4, found.map, 4);
-    setBig(fork, 8, found.map - dataStart, 4);
-    fork.resize(found.typeList);
-    setBig(fork, found.map + 24, 28, 2);
-    setBig(fork, found.map + 26, found.nameList - found.map, 2);
-    append(fork, types);
-    append(fork, references);
-    append(fork, names);
-    setBig(fork, 12, fork.size() - found.map, 4);
-    std::copy_n(fork.begin(), 16, fork.begin() + static_cast<std::ptrdiff_t>(found.map));
+    const Bytes fork = parts.together();
     if (places)
-        *places = found;
+        *places = parts.places;
     return fork;
 }
 

@@ -5,7 +5,6 @@
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace

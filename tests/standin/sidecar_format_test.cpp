@@ -260,16 +260,6 @@ TEST(SidecarFormat, FindLooksForTheID)
     EXPECT_EQ(SidecarLayout{}.find(kFinderInfoEntry), nullptr);
 }
 
-TEST(SidecarFormat, EveryProblemIsDescribedInItsOwnWords)
-{
-    std::vector<std::string_view> words;
-    for (const auto problem : {SidecarProblem::none, SidecarProblem::notASidecar, SidecarProblem::truncated, SidecarProblem::badTable})
-        words.push_back(describe(problem));
-    std::sort(words.begin(), words.end());
-    EXPECT_EQ(std::unique(words.begin(), words.end()), words.end());
-    EXPECT_FALSE(words.front().empty());
-}
-
 struct BlankCase
 {
     const char *name;

@@ -8,7 +8,6 @@
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
-#include <algorithm>
 #include <random>
 #include <thread>
 #include <vector>

@@ -3,7 +3,6 @@
 #include "tests/how_built.h"
 #include "tests/standin/copies.h"
 
-#include <atomic>
 #include <functional>
 #include <mutex>
 #include <random>
@@ -18,22 +17,14 @@ using namespace support;
 
 using Row = std::tuple<DiskKind, int>;
 
-class ThreadsMany : public testing::TestWithParam<Row>
+class ThreadsMany : public DiskRowTest<Row>
 {
 protected:
-    void SetUp() override
-    {
-        const Disk &disk = diskOf(std::get<0>(GetParam()));
-        if (!disk.problem.empty())
-            GTEST_SKIP() << disk.problem;
-        folder_.emplace(disk);
-    }
-
     int threadCount() const { return std::get<1>(GetParam()); }
     std::string makeFolderAt(const std::string &name)
     {
-        mkdir((*folder_ / name).c_str(), 0755);
-        return *folder_ / name;
+        mkdir((folder() / name).c_str(), 0755);
+        return folder() / name;
     }
 
     void inThreads(const std::function<void(int)> &work)
@@ -44,9 +35,6 @@ protected:
         for (std::thread &thread : threads)
             thread.join();
     }
-
-private:
-    std::optional<TemporaryFolder> folder_;
 };
 
 // The first failure that any thread met, with what it was doing.

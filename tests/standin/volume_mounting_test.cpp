@@ -5,7 +5,6 @@
 #include "tests/standin/mounts.h"
 #include "tests/standin/processes.h"
 
-#include <atomic>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/statvfs.h>

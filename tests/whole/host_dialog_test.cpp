@@ -105,6 +105,7 @@ TEST_F(HostDialog, SaysWhatIsMissing)
     EXPECT_THAT(scripted("nonsense").errors, HasSubstr("line 1 of the script"));
     EXPECT_THAT(scripted("1 up", {"--dialog", "999"}).errors, HasSubstr("no dialog 999"));
     EXPECT_THAT(scripted("1 up", {"nothing.rsrc"}).errors, HasSubstr("fnfErr"));
+    EXPECT_THAT(zerb({"dialog"}, {"ZERB_STARTUP_VOLUME=" + folder().path()}).errors, HasSubstr("do without ZERB_STARTUP_VOLUME"));
     EXPECT_THAT(zerb({"dialog", "--script", "nowhere"}, noDisplay).errors, HasSubstr("nowhere"));
     makeFile("text", "no resources");
     EXPECT_EQ(scripted("1 up", {"text"}).status, 1);

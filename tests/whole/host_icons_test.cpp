@@ -65,7 +65,7 @@ protected:
 TEST_F(HostIcons, ARealIconIsDrawnFromASidecar)
 {
     writeFile(path("real"), readSample("netatalk3-picture.adouble"));
-    const Picture large = drawn({"icon", "real", "--", "-16455"}), small = drawn({"icon", "--size", "small", "real", "--", "-16455"});
+    const Picture large = drawn({"icon", "real", "--", "-16455"}), small = drawn({"icon", "--size", "small", "real", "-16455"});
     EXPECT_EQ(large.width, 32);
     EXPECT_EQ(large.height, 32);
     EXPECT_EQ(small.width, 16);
@@ -155,7 +155,7 @@ TEST_F(HostIcons, LooksAndBackgroundReachTheIcon)
 TEST_F(HostIcons, AnIconOfOneSizeIsStretchedOrPlaced)
 {
     makeIcons();
-    const Picture stretched = drawn({"icon", "Icons.rsrc", "--", "-7"});
+    const Picture stretched = drawn({"icon", "Icons.rsrc", "-7"});
     const Picture placed = drawn({"icon", "--align", "bottom-right", "--background", "00FF00", "Icons.rsrc", "--", "-7"});
     EXPECT_EQ(stretched.width, 32);
     EXPECT_EQ(placed.pixels[0], 0xFF00FF00);

@@ -300,8 +300,8 @@ TEST_P(HostTextUsage, IsRefusedWithStatus2)
 }
 
 const TextUsageCase usageCases[] = {
-    {"NoPart", {}, "subcommand"},
-    {"NoSuchPart", {"upper", "x"}, "subcommand"},
+    {"NoPart", {}, "a part is missing; it has "},
+    {"NoSuchPart", {"upper", "x"}, "there is no part \"upper\"; it has "},
     {"NoText", {"encode"}, "TEXT is required"},
     {"NoNumber", {"from-number"}, "NUMBER is required"},
     {"TenDecimals", {"from-number", "--decimals", "10", "1"}, "\"10\" is not a number from 0 to 9"},

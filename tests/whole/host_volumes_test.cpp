@@ -96,6 +96,7 @@ TEST_F(HostVolumes, AreFoundByNumberNameAndPath)
     for (const char *volume : {"Archive", "/Volumes/Archive/file"})
         EXPECT_EQ(volumes({volume}).at(0)["name"], "Archive") << volume;
     EXPECT_EQ(volumes({"--", "-101"}).at(0)["name"], "Archive");
+    EXPECT_EQ(volumes({"-101"}).at(0)["name"], "Archive") << "no option is called by a number";
     EXPECT_EQ(volumes({"Archive", "Startup"}).size(), 2u);
 }
 

@@ -6,7 +6,6 @@
 #include "tests/standin/processes.h"
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
