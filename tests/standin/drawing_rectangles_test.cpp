@@ -1,19 +1,7 @@
 // Rectangles: their edges, and coordinates that wrap around.
-#include "platform/drawing.h"
+#include "tests/standin/rectangles.h"
 
 #include <gtest/gtest.h>
-
-#include <ostream>
-
-void PrintTo(const Rect &rect, std::ostream *stream)
-{
-    *stream << "{top " << rect.top << ", left " << rect.left << ", bottom " << rect.bottom << ", right " << rect.right << "}";
-}
-
-bool operator==(const Rect &one, const Rect &other)
-{
-    return one.top == other.top && one.left == other.left && one.bottom == other.bottom && one.right == other.right;
-}
 
 namespace
 {

@@ -37,10 +37,10 @@ bool CutOffByFault::endsBefore(const std::string &directory, int nth)
     return WEXITSTATUS(status) == statusOfCutOff;
 }
 
-std::size_t visibleNames(const Picture &picture)
+std::size_t visibleNames(const FolderState &state)
 {
     return static_cast<std::size_t>(
-        std::count_if(picture.begin(), picture.end(), [](const auto &item) { return item.first.ends_with(" finder"); }));
+        std::count_if(state.begin(), state.end(), [](const auto &item) { return item.first.ends_with(" finder"); }));
 }
 
 // The next changes of what is there: each works, and brings nothing to light.
@@ -79,11 +79,11 @@ bool CutOffByFault::runUpTo(int nth)
     SCOPED_TRACE(testing::Message() << "before call " << nth);
     std::string directory = makeScene();
     bool wasCutOff = endsBefore(directory, nth);
-    Picture now = shown(directory);
+    FolderState now = shown(directory);
     EXPECT_TRUE(mayHaveStopped(now, true)) << differences(now);
     FSRef root = refAt(directory);
     changeEverything(root);
-    Picture later = shown(directory);
+    FolderState later = shown(directory);
     EXPECT_EQ(visibleNames(later), visibleNames(now)) << difference(now, later);
     deleteEverything(root);
     EXPECT_FALSE(exists(directory)) << testing::PrintToString(namesIn(directory));

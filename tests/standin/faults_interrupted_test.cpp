@@ -23,7 +23,7 @@ protected:
         }
         calls_ = standin::linux_calls::count() - calls;
         EXPECT_EQ(result, change().expected);
-        const Picture now = shown(directory);
+        const FolderState now = shown(directory);
         EXPECT_TRUE(isDone(now)) << differences(now);
         removeTree(directory);
     }

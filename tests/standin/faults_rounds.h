@@ -46,14 +46,14 @@ protected:
         return directory;
     }
 
-    bool isDone(const Picture &now) const
+    bool isDone(const FolderState &now) const
     {
         return now == after_ || std::any_of(stops_.begin(), stops_.end(),
                                             [&](const auto &stop) { return stop.first == WhenStopped::done && now == stop.second; });
     }
 
     // `cutOff` says that the change could do nothing any more after it was stopped.
-    bool mayHaveStopped(const Picture &now, bool cutOff) const
+    bool mayHaveStopped(const FolderState &now, bool cutOff) const
     {
         bool isStop = std::any_of(stops_.begin(), stops_.end(), [&](const auto &stop) {
             bool counts = cutOff || stop.first != WhenStopped::cutOff;
@@ -62,24 +62,24 @@ protected:
         return isStop || now == before_ || now == after_ || (change().itemByItem && isMixture(now, before_, after_));
     }
 
-    std::string differences(const Picture &now) const
+    std::string differences(const FolderState &now) const
     {
         return "\nfrom before:" + difference(before_, now) + "\nfrom after:" + difference(after_, now);
     }
 
 private:
     template <typename Step>
-    Picture pictureAfter(Step step)
+    FolderState pictureAfter(Step step)
     {
         std::string directory = makeScene();
         step(directory);
-        Picture picture = shown(directory);
+        FolderState state = shown(directory);
         removeTree(directory);
-        return picture;
+        return state;
     }
 
-    Picture before_, after_;
-    std::vector<std::pair<WhenStopped, Picture>> stops_;
+    FolderState before_, after_;
+    std::vector<std::pair<WhenStopped, FolderState>> stops_;
     int rounds_ = 0;
 };
 

@@ -14,7 +14,7 @@ namespace support
 {
 
 // Keys are "place item", such as "folder/file type". What differs from run to run (node IDs, dates of today) is left out or told only by its kind.
-using Picture = std::map<std::string, std::string>;
+using FolderState = std::map<std::string, std::string>;
 
 inline const std::int64_t oldSecond = 1000000000;   // 2001; everything before 2010 counts as set on purpose
 
@@ -61,51 +61,51 @@ inline std::vector<ListedObject> objectsIn(const FSRef &folder)
     return objects;
 }
 
-inline void addRecord(const std::string &place, const FSRef &ref, Picture &picture)
+inline void addRecord(const std::string &place, const FSRef &ref, FolderState &state)
 {
     FSCatalogInfo info = infoOf(ref);
     FSPermissionInfo permissions;
     std::memcpy(&permissions, info.permissions, sizeof permissions);
-    picture[place + " finder"] = textOfBytes(info.finderInfo) + " " + textOfBytes(info.extFinderInfo);
-    picture[place + " created"] = textOfDate(info.createDate);
-    picture[place + " backed up"] = textOfDate(info.backupDate);
-    picture[place + " flags"] = std::to_string(info.nodeFlags);
-    picture[place + " hint"] = std::to_string(info.textEncodingHint);
-    picture[place + " mode"] = std::to_string(permissions.mode);
-    picture[place + " owner"] = std::to_string(permissions.userID) + " " + std::to_string(permissions.groupID);
+    state[place + " finder"] = textOfBytes(info.finderInfo) + " " + textOfBytes(info.extFinderInfo);
+    state[place + " created"] = textOfDate(info.createDate);
+    state[place + " backed up"] = textOfDate(info.backupDate);
+    state[place + " flags"] = std::to_string(info.nodeFlags);
+    state[place + " hint"] = std::to_string(info.textEncodingHint);
+    state[place + " mode"] = std::to_string(permissions.mode);
+    state[place + " owner"] = std::to_string(permissions.userID) + " " + std::to_string(permissions.groupID);
     if (info.nodeFlags & kFSNodeIsDirectoryMask)
         return;
-    picture[place + " modified"] = textOfDate(info.contentModDate);   // of a folder it follows what happens in it
+    state[place + " modified"] = textOfDate(info.contentModDate);   // of a folder it follows what happens in it
 }
 
-inline void addFolder(const std::string &place, const FSRef &folder, Picture &picture)
+inline void addFolder(const std::string &place, const FSRef &folder, FolderState &state)
 {
     std::string names;
     for (const ListedObject &object : objectsIn(folder))
     {
         std::string inside = place + "/" + object.name;
         bool isFolder = (infoOf(object.ref, kFSCatInfoNodeFlags).nodeFlags & kFSNodeIsDirectoryMask) != 0;
-        addRecord(inside, object.ref, picture);
+        addRecord(inside, object.ref, state);
         if (isFolder)
         {
-            addFolder(inside, object.ref, picture);
+            addFolder(inside, object.ref, state);
             continue;
         }
         Bytes data = forkOf(object.ref, false), fork = forkOf(object.ref, true);
-        picture[inside + " data"] = std::string(data.begin(), data.end());
-        picture[inside + " fork"] = std::string(fork.begin(), fork.end());
+        state[inside + " data"] = std::string(data.begin(), data.end());
+        state[inside + " fork"] = std::string(fork.begin(), fork.end());
     }
 }
 
-inline Picture shown(const std::string &directory)
+inline FolderState shown(const std::string &directory)
 {
-    Picture picture;
-    addFolder("", refAt(directory), picture);
-    return picture;
+    FolderState state;
+    addFolder("", refAt(directory), state);
+    return state;
 }
 
-// What one picture has and the other does not, for messages.
-inline std::string difference(const Picture &from, const Picture &to)
+// What one state has and the other does not, for messages.
+inline std::string difference(const FolderState &from, const FolderState &to)
 {
     std::string text;
     const auto cut = [](const std::string &value) { return value.size() > 120 ? value.substr(0, 120) + "…" : value; };
@@ -120,12 +120,12 @@ inline std::string difference(const Picture &from, const Picture &to)
     return text;
 }
 
-// Every item is the one of either picture.
-inline bool isMixture(const Picture &picture, const Picture &a, const Picture &b)
+// Every item is the one of either state.
+inline bool isMixture(const FolderState &state, const FolderState &a, const FolderState &b)
 {
-    if (picture.size() != a.size() || picture.size() != b.size())
+    if (state.size() != a.size() || state.size() != b.size())
         return false;
-    for (const auto &[key, value] : picture)
+    for (const auto &[key, value] : state)
         if ((a.count(key) == 0 || a.at(key) != value) && (b.count(key) == 0 || b.at(key) != value))
             return false;
     return true;

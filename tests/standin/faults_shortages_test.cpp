@@ -28,7 +28,7 @@ private:
 
 void Shortages::expectRight(const std::string &directory, OSErr result, OSErr shortage)
 {
-    const Picture now = shown(directory);
+    const FolderState now = shown(directory);
     EXPECT_TRUE(result == change().expected || result == shortage) << result;
     if (result == change().expected)
     {

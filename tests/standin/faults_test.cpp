@@ -76,7 +76,7 @@ protected:
     int failures_ = 0;
 
 private:
-    void expectRight(const Picture &now, OSErr result, const Fault &fault);
+    void expectRight(const FolderState &now, OSErr result, const Fault &fault);
 };
 
 // All of them where the environment has ZERB_EVERY_ERROR_NUMBER. Else it is the turn of some of a call's, others with the next call and the next change.
@@ -86,7 +86,7 @@ std::size_t errorNumbersAtATime(DiskKind disk)
     return all ? SIZE_MAX : disk == DiskKind::tmpfs ? 3 : 1;
 }
 
-void Faults::expectRight(const Picture &now, OSErr result, const Fault &fault)
+void Faults::expectRight(const FolderState &now, OSErr result, const Fault &fault)
 {
     const bool hasNoRoom = fault.errorNumber == ENOSPC || fault.errorNumber == EDQUOT || fault.errorNumber == E2BIG;
     const bool isMadeRoomFor = change().isExchange && FaultyCalls::failedCall() == "setAttribute" && hasNoRoom;
