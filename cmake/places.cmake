@@ -6,7 +6,9 @@ include(GNUInstallDirs)
 set(ZERB_INTERFACE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
 set(ZERB_PLUGIN_FOLDER lib/zerb)                             # where the host looks for the plug-in: ../lib/zerb/ from its own folder
-set(ZERB_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/zerb)         # where the stand-in looks for its parts: zerb/ below its own folder
+# Where the stand-in looks for its parts: below its own folder, in one for each version that programs can be linked with.
+set(ZERB_MODULE_FOLDER_NAME zerb-${ZERB_INTERFACE_VERSION})
+set(ZERB_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/${ZERB_MODULE_FOLDER_NAME})
 set(ZERB_DATA_FOLDER ${CMAKE_INSTALL_DATADIR}/zerb)
 set(ZERB_HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/zerb)
 set(ZERB_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/Zerb)
