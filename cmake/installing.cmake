@@ -1,17 +1,16 @@
-# What `cmake --install` puts where. Two components: what programs need to run, and what building programs takes.
+# What `cmake --install` puts where. Three components: the program with its plug-in, the libraries that applications are
+# linked with, and what building these takes.
 include(CMakePackageConfigHelpers)
+get_property(modules GLOBAL PROPERTY zerbModules)
 
 install(TARGETS zerb_host
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
 install(TARGETS zerb_plugin
-    LIBRARY DESTINATION ${ZERB_PLUGIN_FOLDER} COMPONENT runtime)
-foreach(module zerb_drawing zerbscreen)
-    if(TARGET ${module})
-        install(TARGETS ${module} LIBRARY DESTINATION ${ZERB_MODULE_FOLDER} COMPONENT runtime)
-    endif()
-endforeach()
+    LIBRARY DESTINATION ${ZERB_PLUGIN_FOLDER} COMPONENT program)
+install(TARGETS ${modules}
+    LIBRARY DESTINATION ${ZERB_MODULE_FOLDER} COMPONENT libraries)
 install(FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/sample_dialog.rsrc
-    DESTINATION ${ZERB_DATA_FOLDER} COMPONENT runtime)
+    DESTINATION ${ZERB_DATA_FOLDER} COMPONENT program)
 
 # Manual pages and what shells complete are made by the program itself, of what it says in its help.
 set(manualFolder ${CMAKE_BINARY_DIR}/manual)
@@ -33,19 +32,19 @@ add_custom_command(OUTPUT ${completionFolder}/zerb ${completionFolder}/_zerb ${c
     COMMENT "Making what shells complete" VERBATIM)
 add_custom_target(manual ALL DEPENDS ${manualFolder}/zerb.1.gz ${completionFolder}/zerb)
 install(DIRECTORY ${manualFolder}/
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime FILES_MATCHING PATTERN "*.1.gz")
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program FILES_MATCHING PATTERN "*.1.gz")
 install(FILES ${completionFolder}/zerb
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT runtime)
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT program)
 install(FILES ${completionFolder}/_zerb
-    DESTINATION ${ZERB_ZSH_FOLDER} COMPONENT runtime)
+    DESTINATION ${ZERB_ZSH_FOLDER} COMPONENT program)
 install(FILES ${completionFolder}/zerb.fish
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT runtime)
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT program)
 
 # The two libraries that applications are linked with, and the headers alone.
 set_target_properties(zerbstandin PROPERTIES EXPORT_NAME standin)
 target_include_directories(zerbstandin INTERFACE $<INSTALL_INTERFACE:${ZERB_HEADER_FOLDER}>)
 install(TARGETS zerbstandin zerb_toolkit platform EXPORT zerb_targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT libraries NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${ZERB_HEADER_FOLDER})
 install(EXPORT zerb_targets NAMESPACE Zerb:: FILE ZerbTargets.cmake
     DESTINATION ${ZERB_PACKAGE_FOLDER} COMPONENT development)
@@ -73,23 +72,15 @@ install(FILES ${ZERB_C_HEADER}
     DESTINATION ${ZERB_HEADER_FOLDER}/files COMPONENT development)
 
 # What there is to read, and to begin with.
-install(FILES README.md CHANGELOG.md LICENSE
-    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
-install(FILES LICENSE RENAME copyright
-    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+include(${CMAKE_CURRENT_LIST_DIR}/packaging.cmake)
+install(FILES README.md CHANGELOG.md ${CMAKE_BINARY_DIR}/debian/copyright
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
 install(DIRECTORY docs/
-    DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT runtime
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT program
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png")
 install(DIRECTORY examples/
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
     FILES_MATCHING PATTERN "*.cpp" PATTERN "*.c" PATTERN "outside/*")
 
 # All that is installed, without tests and benchmarks.
-add_custom_target(product DEPENDS zerb_host zerb_plugin zerb_toolkit zerbstandin manual sample_dialog c_header)
-foreach(module zerb_drawing zerbscreen)
-    if(TARGET ${module})
-        add_dependencies(product ${module})
-    endif()
-endforeach()
-
-include(${CMAKE_CURRENT_LIST_DIR}/packaging.cmake)
+add_custom_target(product DEPENDS zerb_host zerb_plugin zerb_toolkit zerbstandin ${modules} manual sample_dialog c_header)

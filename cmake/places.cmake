@@ -6,7 +6,9 @@ include(GNUInstallDirs)
 set(ZERB_INTERFACE_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
 set(ZERB_PLUGIN_FOLDER lib/zerb)                             # where the host looks for the plug-in: ../lib/zerb/ from its own folder
-set(ZERB_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/zerb)         # where the stand-in looks for its parts: zerb/ below its own folder
+# Where the stand-in looks for its parts: below its own folder, in one for each version that programs can be linked with.
+set(ZERB_MODULE_FOLDER_NAME zerb-${ZERB_INTERFACE_VERSION})
+set(ZERB_MODULE_FOLDER ${CMAKE_INSTALL_LIBDIR}/${ZERB_MODULE_FOLDER_NAME})
 set(ZERB_DATA_FOLDER ${CMAKE_INSTALL_DATADIR}/zerb)
 set(ZERB_HEADER_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/zerb)
 set(ZERB_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/Zerb)
@@ -24,5 +26,13 @@ function(zerb_path_from variable from to)
     set(${variable} "$ORIGIN/${path}" PARENT_SCOPE)
 endfunction()
 
-zerb_path_from(ZERB_RPATH_OF_PROGRAMS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
-zerb_path_from(ZERB_RPATH_OF_PLUGIN ${ZERB_PLUGIN_FOLDER} ${CMAKE_INSTALL_LIBDIR})
+# In /usr the loader looks by itself; anywhere else what is installed finds its libraries from where it lies.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(ZERB_RPATH_OF_PROGRAMS "")
+    set(ZERB_RPATH_OF_PLUGIN "")
+    set(ZERB_RPATH_OF_LIBRARIES "")
+else()
+    zerb_path_from(ZERB_RPATH_OF_PROGRAMS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
+    zerb_path_from(ZERB_RPATH_OF_PLUGIN ${ZERB_PLUGIN_FOLDER} ${CMAKE_INSTALL_LIBDIR})
+    set(ZERB_RPATH_OF_LIBRARIES "$ORIGIN")
+endif()

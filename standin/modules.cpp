@@ -40,6 +40,9 @@ std::string ownFolder()
     return path.substr(0, path.rfind('/') + 1);
 }
 
+// The build's description says which.
+const std::string installedFolder = ZERB_MODULE_FOLDER_NAME;
+
 // Asked at the start: once a program has taken mounts of its own, the path that Linux tells of it may lead nowhere.
 const std::string folderAtStart = ownFolder();
 
@@ -54,7 +57,7 @@ void *noted(void *found)
 // linked with. Loading counts: a second time only finds it.
 void *loadedModule(const std::string &module)
 {
-    const std::string installed = folderAtStart + "zerb/" + module;
+    const std::string installed = folderAtStart + installedFolder + '/' + module;
     ObjectStatus status;
     const bool isInstalled = linux_calls::statusAt(AT_FDCWD, installed.c_str(), status) == 0;
     return noted(dlopen((isInstalled ? installed : folderAtStart + module).c_str(), RTLD_NOW | RTLD_LOCAL));

@@ -1,6 +1,6 @@
 // Parts of the stand-in that are loaded when they are first needed: work on files must load neither a window system nor a font engine.
 //
-// A module is a shared library beside libzerbstandin.so, or in the folder zerb/ there. It exports one C function, which gives a table of what the module does.
+// A module is a shared library beside libzerbstandin.so, or in the folder zerb-VERSION/ there. It exports one C function, which gives a table of what the module does.
 #pragma once
 
 #include <string>
