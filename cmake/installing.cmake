@@ -5,7 +5,7 @@ install(TARGETS zerb_host
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 install(TARGETS zerb_plugin
     LIBRARY DESTINATION ${ZERB_PLUGIN_FOLDER} COMPONENT runtime)
-foreach(module zerb_drawing zerbscreen)
+foreach(module zerb_database zerb_drawing zerb_text zerbscreen)
     if(TARGET ${module})
         install(TARGETS ${module} LIBRARY DESTINATION ${ZERB_MODULE_FOLDER} COMPONENT runtime)
     endif()
@@ -86,7 +86,7 @@ install(DIRECTORY examples/
 
 # All that is installed, without tests and benchmarks.
 add_custom_target(product DEPENDS zerb_host zerb_plugin zerb_toolkit zerbstandin manual sample_dialog c_header)
-foreach(module zerb_drawing zerbscreen)
+foreach(module zerb_database zerb_drawing zerb_text zerbscreen)
     if(TARGET ${module})
         add_dependencies(product ${module})
     endif()
