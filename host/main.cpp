@@ -53,6 +53,8 @@ int work(const host::Command &command, const host::Action &action)
     host::Report report(command.name);
     host::Invocation invocation{plugin, report};
     action(invocation);
+    if (const char *missing = standin::missingPart())
+        std::fprintf(stderr, "zerb: %s\n", host::printable(missing).c_str());
     return finish(report.anyFailure());
 }
 

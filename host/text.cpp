@@ -1,17 +1,13 @@
 #include "host/text.h"
 
-#include <unicode/normalizer2.h>
-#include <unicode/uchar.h>
-#include <unicode/ucnv.h>
-#include <unicode/unistr.h>
+#include "standin/standin.h"
+
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
-#include <stdexcept>
 
 namespace host
 {
@@ -113,29 +109,10 @@ void appendEscape(std::string &text, const char *format, unsigned value)
     text += buffer;
 }
 
-struct CloseConverter
+// Most text is nothing else, and is shown as it is.
+bool isPlainAscii(std::string_view bytes)
 {
-    void operator()(UConverter *converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
-
-Converter macRomanConverter()
-{
-    UErrorCode status = U_ZERO_ERROR;
-    Converter converter(ucnv_open("macintosh", &status));
-    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
-    if (U_FAILURE(status))
-        throw std::runtime_error("the text library has no table for Mac Roman");
-    ucnv_setFallback(converter.get(), false);
-    return converter;
-}
-
-// Characters that would move the cursor, ring, or make a line read otherwise than it is written.
-bool isUnsafeToPrint(UChar32 character)
-{
-    int category = u_charType(character);
-    return category == U_CONTROL_CHAR || category == U_LINE_SEPARATOR || category == U_PARAGRAPH_SEPARATOR || category == U_UNASSIGNED ||
-           u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL);
+    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= ' ' && byte <= '~' && byte != '\\'; });
 }
 
 void appendPrintable(std::string &text, std::string_view bytes, std::size_t position, std::size_t &length)
@@ -145,7 +122,7 @@ void appendPrintable(std::string &text, std::string_view bytes, std::size_t posi
         appendEscape(text, "\\x%02X", byteAt(bytes, position));
     else if (character == '\\')
         text += "\\\\";
-    else if (!isUnsafeToPrint(character))
+    else if (standin::isPlainCharacter(static_cast<char32_t>(character)))
         text += bytes.substr(position, length);
     else
         appendEscape(text, character < 0x80 ? "\\x%02X" : "\\u{%04X}", static_cast<unsigned>(character));
@@ -200,7 +177,13 @@ std::string bytesFromUnits(std::u16string_view units)
 
 std::string bytesFromName(const HFSUniStr255 &name)
 {
-    std::size_t length = std::min<std::size_t>(name.length, 255);
+    const std::size_t length = std::min<std::size_t>(name.length, 255);
+    std::string ascii(length, '\0');
+    std::size_t index = 0;
+    for (; index < length && name.unicode[index] < 0x80; ++index)
+        ascii[index] = static_cast<char>(name.unicode[index]);
+    if (index == length)
+        return ascii;
     return bytesFromUnits(std::u16string(name.unicode, name.unicode + length));
 }
 
@@ -223,45 +206,10 @@ std::string pathComponentFromName(const HFSUniStr255 &name)
     return component;
 }
 
-std::string utf8FromMacRoman(std::string_view macRoman)
-{
-    Converter converter = macRomanConverter();
-    UErrorCode status = U_ZERO_ERROR;
-    icu::UnicodeString text(macRoman.data(), static_cast<std::int32_t>(macRoman.size()), converter.get(), status);
-    std::string utf8;
-    text.toUTF8String(utf8);
-    return utf8;
-}
-
-std::optional<std::string> macRomanFromUtf8(std::string_view text)
-{
-    std::size_t length;
-    for (std::size_t position = 0; position < text.size(); position += length)
-        if (codePointAt(text, position, length) < 0)
-            return std::nullopt;
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2 *composer = icu::Normalizer2::getNFCInstance(status);
-    if (U_FAILURE(status))
-        return std::nullopt;
-    icu::UnicodeString composed =
-        composer->normalize(icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size()))), status);
-    Converter converter = macRomanConverter();
-    std::string bytes(static_cast<std::size_t>(composed.length()), '\0');
-    std::int32_t written = ucnv_fromUChars(converter.get(), bytes.data(), static_cast<std::int32_t>(bytes.size()), composed.getBuffer(),
-                                           composed.length(), &status);
-    if (U_FAILURE(status))
-        return std::nullopt;
-    bytes.resize(static_cast<std::size_t>(written));
-    return bytes;
-}
-
-std::string utf8FromPascal(ConstStr255Param text)
-{
-    return utf8FromMacRoman({reinterpret_cast<const char *>(text + 1), text[0]});
-}
-
 std::string printable(std::string_view bytes)
 {
+    if (isPlainAscii(bytes))
+        return std::string(bytes);
     std::string text;
     std::size_t length;
     for (std::size_t position = 0; position < bytes.size(); position += length)

@@ -1,11 +1,14 @@
 #include "standin/modules.h"
 
 #include "standin/files/linux_calls.h"
+#include "standin/standin.h"
 
 #include <array>
+#include <atomic>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
+#include <memory>
 
 namespace standin
 {
@@ -14,6 +17,7 @@ namespace
 {
 
 thread_local std::string problem;
+std::atomic<const std::string *> firstMissing = nullptr;
 
 std::string programPath()
 {
@@ -74,6 +78,20 @@ void *moduleFunction(const std::string &module, const char *function)
 const std::string &moduleProblem()
 {
     return problem;
+}
+
+void notePartMissing(const std::string &sentence)
+{
+    auto kept = std::make_unique<std::string>(sentence);
+    const std::string *none = nullptr;
+    if (firstMissing.compare_exchange_strong(none, kept.get()))
+        kept.release();   // until the process ends: whoever asked may still hold what it got
+}
+
+const char *missingPart()
+{
+    const std::string *sentence = firstMissing;
+    return sentence ? sentence->c_str() : nullptr;
 }
 
 }   // namespace standin

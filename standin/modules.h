@@ -1,4 +1,5 @@
-// Parts of the stand-in that are loaded when they are first needed: work on files must load neither a window system nor a font engine.
+// Parts of the stand-in that are loaded when they are first needed: work on files must wait neither for a window system and a font engine, nor
+// for a database and all of Unicode where it only has to do with a few names.
 //
 // A module is a shared library beside libzerbstandin.so, or in the folder zerb-VERSION/ there. It exports one C function, which gives a table of what the module does.
 #pragma once
@@ -14,5 +15,8 @@ void *moduleFunction(const std::string &module, const char *function);
 
 // Why the last moduleFunction of this thread gave null, in one sentence without a full stop.
 const std::string &moduleProblem();
+
+// Keeps, for missingPart (standin.h), that work had to be done without a part: one sentence without a full stop. The first one stays.
+void notePartMissing(const std::string &problem);
 
 }   // namespace standin

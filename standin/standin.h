@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #pragma GCC visibility push(default)
 
@@ -81,6 +82,17 @@ using CopyProgress = std::function<void(std::uint64_t bytesDone, std::uint64_t b
 
 // Sets who is told; an empty function ends it. A copy that is under way goes on with the one that was set when it began.
 void setCopyProgress(CopyProgress progress);
+
+// The part of the stand-in that work in this process had to do without, and why it could not be loaded, in one sentence without a full stop; null
+// if none was missing. Names and texts that need the part are refused with paramErr or kTextUnsupportedEncodingErr, file IDs with paramErr.
+const char *missingPart();
+
+// Whether Unicode has this character and it can stand in a line of text: it is no control character, no line end, and turns no direction of
+// writing. Where characters beyond ASCII are not known, they cannot.
+bool isPlainCharacter(char32_t character);
+
+// Text in Unicode's composed form.
+std::u16string composedText(std::u16string_view unicode);
 
 // How many system calls the file manager has made in this process so far.
 std::uint64_t systemCallCount();

@@ -8,8 +8,10 @@
 
 #include "platform/files.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace host
 {
@@ -37,22 +39,28 @@ struct Options
 class Way
 {
 public:
-    explicit Way(const std::string &start) : start_(start) {}
+    explicit Way(const std::string &start) : path_(pathInFolder(start, "")), ends_{path_.size()} {}
 
     // The walk has come to this folder, before what is inside it.
     void enter(UInt32 level, const FSRef &folder, const std::string *name)
     {
         folders_.resize(level - 1);
         folders_.push_back({folder, name != nullptr ? *name : std::string()});
+        ends_.resize(std::min<std::size_t>(ends_.size(), level));
     }
 
     std::string pathOf(UInt32 level, const std::string &name)
     {
-        std::string path = start_;
-        for (UInt32 above = 1; above < level; ++above)
-            path = pathInFolder(path, nameOf(folders_[above - 1]));
-        return pathInFolder(path, name);
+        while (ends_.size() < level)
+        {
+            path_.resize(ends_.back());
+            path_ += nameOf(folders_[ends_.size() - 1]) + '/';
+            ends_.push_back(path_.size());
+        }
+        return path_.substr(0, ends_[level - 1]) + name;
     }
+
+    std::string pathOfFolder(UInt32 level) { return pathOf(level, nameOf(folders_[level - 1])); }
 
 private:
     struct Folder
@@ -63,8 +71,9 @@ private:
 
     static const std::string &nameOf(Folder &folder);
 
-    const std::string &start_;
     std::vector<Folder> folders_;
+    std::string path_;                // of the deepest folder that was needed
+    std::vector<std::size_t> ends_;   // of the part of it that leads to the start, to the folder of level 1, and so on, with their '/'
 };
 
 // Null if the object has gone meanwhile.
@@ -98,7 +107,7 @@ public:
         if (form_ == Form::json)
             array_->add({{"path", path}, {"kind", isFolder(catalog) ? "folder" : "file"}});
         else if (form_ == Form::lines)
-            std::printf("%s\n", printable(path).c_str());
+            std::puts(printable(path).c_str());
         else
             std::fwrite(path.c_str(), 1, path.size() + 1, stdout);
     }
@@ -129,10 +138,13 @@ public:
         if (!mayBeRead(folder))
             return afpAccessDenied;
         auto look = [this](UInt32 level, const FSCatalogInfo &catalog, const FSRef &ref, const HFSUniStr255 *name) {
+            checkEntered(level);
             visit(level, catalog, ref, name);
             return false;
         };
-        return walkFolder(plugin, folder, levels, criteria_.infoNeeded(), namesComeAlong_, look);
+        const OSErr result = walkFolder(plugin, folder, levels, criteria_.infoNeeded(), namesComeAlong_, look);
+        checkEntered(0);
+        return result;
     }
 
 private:
@@ -152,17 +164,31 @@ private:
             enter(level, ref, name);
     }
 
-    void enter(UInt32 level, const FSRef &folder, std::optional<std::string> &name)
+    void enter(UInt32 level, const FSRef &folder, const std::optional<std::string> &name)
     {
         way_.enter(level, folder, name ? &*name : nullptr);
-        if (level == levels_ || mayBeRead(folder))
+        if (level != levels_)
+            entered_ = {level, folder};
+    }
+
+    // A folder that may not be read gives the walk nothing, like an empty one, so only a folder in which nothing came needs to be looked at.
+    // `level` is that of what comes next.
+    void checkEntered(UInt32 level)
+    {
+        const Entered last = std::exchange(entered_, {});
+        if (last.level < level || last.level == 0 || mayBeRead(last.folder))
             return;
-        if (!name)
-            name = nameOfObject(folder);
-        const std::string path = way_.pathOf(level, name.value_or("?"));
+        const std::string path = way_.pathOfFolder(last.level);
         report_.failure(path, afpAccessDenied);
         output_.failure(path, afpAccessDenied);
     }
+
+    // The folder that the walk came to last, while it is not known whether anything is in it. Level 0: none.
+    struct Entered
+    {
+        UInt32 level = 0;
+        FSRef folder = {};
+    };
 
     const FindCriteria &criteria_;
     Output &output_;
@@ -170,6 +196,7 @@ private:
     Way way_;
     UInt32 levels_ = 0;
     bool namesComeAlong_;
+    Entered entered_;
 };
 
 void findAll(Invocation &invocation, const Options &options)

@@ -84,7 +84,9 @@ bool mayBeRead(const FSRef &folder)
     constexpr UInt8 mayNotSeeFolders = 0x01, mayNotSeeFiles = 0x02;
     FSCatalogInfo catalog = {};
     const OSErr result = FSGetCatalogInfo(&folder, kFSCatInfoUserPrivs, &catalog, nullptr, nullptr, nullptr);
-    return result != noErr || (catalog.userPrivileges & (mayNotSeeFolders | mayNotSeeFiles)) == 0;   // gone meanwhile: nobody misses it
+    if (result != noErr)
+        return result != afpAccessDenied;   // gone meanwhile: nobody misses it
+    return (catalog.userPrivileges & (mayNotSeeFolders | mayNotSeeFiles)) == 0;
 }
 
 bool isHidden(const ShownObject &object)

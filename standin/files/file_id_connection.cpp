@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <linux/magic.h>
-#include <sqlite3.h>
 
 namespace standin
 {
@@ -37,7 +36,7 @@ constexpr const char *layout =
 // The disk's own word where SQLite only says that reading, writing or opening failed.
 OSErr resultOfDisk(OSErr otherwise)
 {
-    const int failure = sqlite3_system_errno(connection().database);
+    const int failure = sqlite().systemErrno(connection().database);
     return failure == 0 || failure == ENOENT ? otherwise : resultFromErrno(failure);
 }
 
@@ -71,7 +70,7 @@ OSErr resultFromSQLite(int code)
 
 OSErr execute(const char *sql)
 {
-    return resultFromSQLite(sqlite3_exec(connection().database, sql, nullptr, nullptr, nullptr));
+    return resultFromSQLite(sqlite().execute(connection().database, sql, nullptr, nullptr, nullptr));
 }
 
 // --- closing -------------------------------------------------------------------------------------------------------------------------------
@@ -79,10 +78,12 @@ OSErr execute(const char *sql)
 void closeConnection()
 {
     Connection &open = connection();
+    if (!open.database)
+        return;
     for (const auto &[sql, statement] : open.statements)
-        sqlite3_finalize(statement);
+        sqlite().discard(statement);
     open.statements.clear();
-    sqlite3_close(open.database);
+    sqlite().close(open.database);
     open.database = nullptr;
     open.isReady = false;
 }
@@ -141,17 +142,17 @@ OSErr checkKind(bool &isEmpty)
 OSErr openFile(const std::string &name, int flags, int patience)
 {
     Connection &open = connection();
-    const int code = sqlite3_open_v2(name.c_str(), &open.database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code = sqlite().open(name.c_str(), &open.database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     const OSErr result = resultFromSQLite(code);
     if (result != noErr)
     {
         closeConnection();
         return result;
     }
-    sqlite3_busy_timeout(open.database, patience);
-    sqlite3_extended_result_codes(open.database, 1);
-    sqlite3_db_config(open.database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(open.database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite().setPatience(open.database, patience);
+    sqlite().giveExtendedCodes(open.database, 1);
+    sqlite().configure(open.database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite().configure(open.database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     // A kill loses nothing either way; a power cut may lose the last IDs but never damages what is there. The journal may grow to 16 MB, so that many IDs
     // in a row seldom wait for the disk.
     return execute("PRAGMA synchronous = NORMAL; PRAGMA cell_size_check = ON; PRAGMA wal_autocheckpoint = 4000");
@@ -187,7 +188,7 @@ OSErr openUnchanging(const std::string &path, int patience, OSErr otherwise, boo
 OSErr makeTables(const std::string &folder)
 {
     if (!isOnNetwork(folder))
-        sqlite3_exec(connection().database, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);   // it does without, too
+        sqlite().execute(connection().database, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);   // it does without, too
     DatabaseTransaction transaction;
     bool isEmpty = false;
     if (OSErr result = transaction.begin(DatabaseTransaction::writing))

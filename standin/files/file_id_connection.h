@@ -3,14 +3,13 @@
 // Whoever calls anything here holds the connection's mutex.
 #pragma once
 
+#include "standin/files/database_part.h"
 #include "standin/files/file_id_database.h"
 #include "standin/files/linux_calls.h"
 
 #include <mutex>
 #include <string>
 #include <unordered_map>
-
-struct sqlite3;
 
 namespace standin
 {
@@ -28,6 +27,12 @@ struct Connection
 };
 
 Connection &connection();
+
+// SQLite's calls, for a database that is being opened or open: Database::open sees that they are there.
+inline const DatabaseModule &sqlite()
+{
+    return *databasePart();
+}
 
 OSErr resultFromSQLite(int code);
 

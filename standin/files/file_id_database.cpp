@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
-#include <sqlite3.h>
 #include <string>
 
 namespace standin
@@ -44,7 +43,7 @@ sqlite3_stmt *compiled(const char *sql, OSErr &result)
     if (const auto found = known.find(sql); found != known.end())
         return found->second;
     sqlite3_stmt *statement = nullptr;
-    const int code = sqlite3_prepare_v3(connection().database, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    const int code = sqlite().compile(connection().database, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     result = resultFromSQLite(code);
     if (result == noErr)
         known.emplace(sql, statement);
@@ -64,21 +63,21 @@ DatabaseQuery::~DatabaseQuery()
 {
     if (!statement_)
         return;
-    sqlite3_reset(statement_);
-    sqlite3_clear_bindings(statement_);
+    sqlite().reset(statement_);
+    sqlite().clearValues(statement_);
 }
 
 DatabaseQuery &DatabaseQuery::with(std::int64_t value)
 {
     if (statement_)
-        sqlite3_bind_int64(statement_, ++parameters_, value);
+        sqlite().bindNumber(statement_, ++parameters_, value);
     return *this;
 }
 
 DatabaseQuery &DatabaseQuery::withBytes(std::string_view value)
 {
     if (statement_)
-        sqlite3_bind_blob(statement_, ++parameters_, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
+        sqlite().bindBytes(statement_, ++parameters_, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
     return *this;
 }
 
@@ -86,7 +85,7 @@ bool DatabaseQuery::next()
 {
     if (!statement_)
         return false;
-    const int code = sqlite3_step(statement_);
+    const int code = sqlite().step(statement_);
     result_ = resultFromSQLite(code);
     return code == SQLITE_ROW;
 }
@@ -100,13 +99,13 @@ OSErr DatabaseQuery::run()
 
 std::int64_t DatabaseQuery::number(int column) const
 {
-    return sqlite3_column_int64(statement_, column);
+    return sqlite().number(statement_, column);
 }
 
 std::string_view DatabaseQuery::bytes(int column) const
 {
-    const auto *start = static_cast<const char *>(sqlite3_column_blob(statement_, column));
-    return start ? std::string_view(start, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))) : std::string_view();
+    const auto *start = static_cast<const char *>(sqlite().bytes(statement_, column));
+    return start ? std::string_view(start, static_cast<std::size_t>(sqlite().byteCount(statement_, column))) : std::string_view();
 }
 
 // --- the connection ------------------------------------------------------------------------------------------------------------------------
@@ -132,9 +131,11 @@ OSErr Database::open(DatabaseUse use)
     }
     if (failure == 0 && isConnectedTo(folder, status))
     {
-        sqlite3_busy_timeout(connection().database, patience_);
+        sqlite().setPatience(connection().database, patience_);
         return noErr;
     }
+    if (!databasePart())
+        return paramErr;
     const OSErr result = openConnection(folder, use, failure == 0, patience_);
     connection().isReady = result == noErr;
     if (result != noErr)
@@ -144,7 +145,7 @@ OSErr Database::open(DatabaseUse use)
 
 void Database::setPatience(int milliseconds)
 {
-    sqlite3_busy_timeout(connection().database, milliseconds);
+    sqlite().setPatience(connection().database, milliseconds);
 }
 
 bool databaseWasMissing()
@@ -179,7 +180,7 @@ OSErr DatabaseTransaction::commit()
 std::uint32_t randomNumber()
 {
     std::uint32_t number = 0;
-    sqlite3_randomness(sizeof number, &number);
+    sqlite().makeRandomBytes(sizeof number, &number);
     return number;
 }
 

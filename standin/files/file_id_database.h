@@ -59,7 +59,8 @@ public:
     explicit Database(int patience);
 
     // Result: noErr; fidNotFound if there is none and it is only to be read; fBsyErr while another process or thread holds it; ioErr if it is damaged, or no
-    // database of file IDs; wPrErr, afpAccessDenied, dskFulErr and further codes of the disk that it lies on.
+    // database of file IDs; wPrErr, afpAccessDenied, dskFulErr and further codes of the disk that it lies on; paramErr if the part that knows SQLite cannot be
+    // loaded (database_part.h).
     OSErr open(DatabaseUse use);
 
     void setPatience(int milliseconds);   // from now on

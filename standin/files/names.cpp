@@ -209,7 +209,10 @@ OSErr storedNameFromUnicode(const UniChar *units, std::size_t count, std::string
     std::string exact;
     OSErr result = diskNameFromUnicode(units, count, exact);
     bool mayCompose = result == noErr ? !isAsciiText(exact) : result == errFSNameTooLong && count <= longestUnicodeName;
-    if (mayCompose && diskNameFromText(composed(std::u16string(units, units + count)), diskName) == noErr)
+    const std::u16string text(units, mayCompose ? units + count : units);
+    if (!canCompose(text))
+        return paramErr;
+    if (mayCompose && diskNameFromText(composed(text), diskName) == noErr)
         return noErr;
     if (result == noErr)
         diskName = std::move(exact);
@@ -227,6 +230,8 @@ OSErr lookupNamesFromUnicode(const UniChar *units, std::size_t count, std::vecto
     if (hasOtherForms)
     {
         const std::u16string text(units, units + count);
+        if (!canCompose(text) || !canDecompose(text))
+            return paramErr;
         addCandidate(composed(text), found);
         addCandidate(decomposed(text), found);
     }

@@ -33,11 +33,12 @@ void unicodeFromDiskName(std::string_view diskName, HFSUniStr255 &name);
 OSErr diskNameFromUnicode(const UniChar *units, std::size_t count, std::string &diskName);
 
 // The disk name under which a new object of this name is stored: precomposed where that survives the round trip.
-// A name that is too long as it stands is stored if it fits composed. Results as above.
+// A name that is too long as it stands is stored if it fits composed. Results as above, and paramErr if its forms cannot be told
+// (unicode_forms.h).
 OSErr storedNameFromUnicode(const UniChar *units, std::size_t count, std::string &diskName);
 
 // The disk names to try for a look-up, best first and without repetition: exact bytes, composed, decomposed.
-// A form that is too long is left out. Results as above, of the exact bytes if no form is possible.
+// A form that is too long is left out. Results as above, of the exact bytes if no form is possible; paramErr if its forms cannot be told.
 OSErr lookupNamesFromUnicode(const UniChar *units, std::size_t count, std::vector<std::string> &diskNames);
 
 // The same for a Pascal string in the system's encoding. It may be longer than 31 bytes: the length that a volume allows is the disk's business.

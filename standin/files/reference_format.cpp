@@ -3,8 +3,8 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
-#include <random>
 
 namespace standin
 {
@@ -42,10 +42,10 @@ using Keys = std::array<std::uint64_t, wordCount + 1>;   // the last one is for 
 
 Keys drawKeys()
 {
-    std::random_device source;
     Keys keys;
+    ::arc4random_buf(keys.data(), sizeof keys);   // the language's own source asks the processor for each number, and what kind it is
     for (std::uint64_t &key : keys)
-        key = (static_cast<std::uint64_t>(source()) << 32) | source() | 1;
+        key |= 1;
     return keys;
 }
 

@@ -2,10 +2,10 @@
 
 #include "standin/files/sidecar_format.h"
 #include "standin/text/encodings.h"
+#include "standin/text/text_part.h"
 
 #include <algorithm>
 #include <bit>
-#include <unicode/uchar.h>
 #include <utility>
 
 namespace standin
@@ -30,10 +30,14 @@ ResourceEntry readReference(ResType type, const std::uint8_t *bytes)
     return {type, static_cast<SInt16>(readBig16(bytes)), bytes[4], readBig16(bytes + 2), readBig32(bytes + 4) & 0x00FFFFFF};
 }
 
-UChar32 folded(char byte)
+// The character of a byte without its case. Letters beyond ASCII keep theirs where the part that knows them is missing.
+char32_t folded(char byte)
 {
     static const CodeTable *table = codeTableOf(kTextEncodingMacRoman);
-    return u_foldCase(table->characterOf(static_cast<unsigned char>(byte)), U_FOLD_CASE_DEFAULT);
+    const char16_t character = table->characterOf(static_cast<unsigned char>(byte));
+    if (character < 0x80)
+        return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character;
+    return textPart() ? textPart()->folded(character) : character;
 }
 
 struct Field

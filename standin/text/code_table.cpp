@@ -1,9 +1,7 @@
 #include "standin/text/code_table.h"
 
+#include "standin/text/text_part.h"
 #include "standin/text/unicode_forms.h"
-
-#include <unicode/ucnv.h>
-#include <unicode/utf16.h>
 
 #include <utility>
 
@@ -23,14 +21,6 @@ void mark(std::string_view ranges, std::array<bool, 256> &marked)
     for (std::size_t index = 0; index + 1 < ranges.size(); index += 2)
         for (unsigned byte = static_cast<std::uint8_t>(ranges[index]); byte <= static_cast<std::uint8_t>(ranges[index + 1]); ++byte)
             marked[byte] = true;
-}
-
-char16_t converted(UConverter *converter, const char *bytes, std::int32_t length)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    char16_t units[8];
-    const std::int32_t count = ucnv_toUChars(converter, units, 8, bytes, length, &status);
-    return U_SUCCESS(status) && count == 1 && !U16_IS_SURROGATE(units[0]) ? units[0] : noCharacter;
 }
 
 // In encodings with two-byte codes, ICU gives a control character for some codes that have none, and private ones for those that are left to
@@ -62,31 +52,27 @@ void CodeTable::fillCharacters(const Encoding &encoding)
     if (encoding.upperHalf)
         for (unsigned code = firstNonAscii; code < oneByteCodes; ++code)
             characters[code] = (*encoding.upperHalf)[code - firstNonAscii];
-    UErrorCode status = U_ZERO_ERROR;
-    UConverter *converter = encoding.converter ? ucnv_open(encoding.converter, &status) : nullptr;
-    if (converter == nullptr || U_FAILURE(status))
+    std::vector<CodeAndCharacter> asked = encoding.converter ? askedCodes(encoding.twoByteCodes) : std::vector<CodeAndCharacter>();
+    if (asked.empty() || !textPart() || !textPart()->readCharacters(encoding.converter, asked))
         return;
-    for (unsigned code = firstNonAscii; code < oneByteCodes; ++code)
-    {
-        const char byte = static_cast<char>(code);
-        const bool isOneByte = encoding.twoByteCodes.leads.empty();
-        if (!leads[code])
-            characters[code] = isOneByte ? converted(converter, &byte, 1) : withoutMadeUpOnes(converted(converter, &byte, 1));
-    }
-    fillTwoByteCharacters(converter, encoding.twoByteCodes);
-    ucnv_close(converter);
+    const bool isOneByte = encoding.twoByteCodes.leads.empty();
+    for (const auto &[code, character] : asked)
+        characters[code] = isOneByte ? character : withoutMadeUpOnes(character);
 }
 
-void CodeTable::fillTwoByteCharacters(UConverter *converter, const TwoByteCodes &codes)
+// For which ICU's converter is asked.
+std::vector<CodeAndCharacter> CodeTable::askedCodes(const TwoByteCodes &codes) const
 {
+    std::vector<CodeAndCharacter> asked;
     std::array<bool, 256> commonLeads{};
     mark(codes.commonLeads, commonLeads);
+    for (unsigned code = firstNonAscii; code < oneByteCodes; ++code)
+        if (!leads[code])
+            asked.push_back({code, noCharacter});
     for (unsigned code = oneByteCodes; code < characters.size() && code <= codes.lastCommonCode; ++code)
-    {
-        const char bytes[2] = {static_cast<char>(code >> 8), static_cast<char>(code)};
         if (commonLeads[code >> 8] && trails[code & 0xFF])
-            characters[code] = withoutMadeUpOnes(converted(converter, bytes, 2));
-    }
+            asked.push_back({code, noCharacter});
+    return asked;
 }
 
 void CodeTable::fillCodes()
@@ -109,13 +95,25 @@ void CodeTable::addCode(unsigned code)
         page->fill(noCode);
     }
     (*page)[character & 0xFF] = static_cast<std::uint16_t>(code);
-    const std::u16string whole(1, character), apart = decomposed(whole);
-    if (apart.size() == 2 && composed(apart) != whole)
-        uncomposed.emplace(apart, code);
+}
+
+// Only letters beyond ASCII with marks ask for these, and finding them takes the part that knows such letters.
+void CodeTable::findUncomposed() const
+{
+    for (std::size_t code = firstNonAscii; code < characters.size(); ++code)
+    {
+        const char16_t character = characters[code];
+        if (character == noCharacter || codeOf(character) != code)
+            continue;
+        const std::u16string whole(1, character), apart = decomposed(whole);
+        if (apart.size() == 2 && composed(apart) != whole)
+            uncomposed.emplace(apart, static_cast<unsigned>(code));
+    }
 }
 
 unsigned CodeTable::takeUncomposed(std::u16string &letter) const
 {
+    std::call_once(uncomposedFound, [this] { findUncomposed(); });
     for (const auto &[pair, code] : uncomposed)
     {
         const std::size_t mark = letter.front() == pair[0] ? letter.find(pair[1], 1) : std::u16string::npos;

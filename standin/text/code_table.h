@@ -1,6 +1,6 @@
 // Both directions of a text encoding in which each character has a code of one or two bytes.
 //
-// A table is filled once, from ICU's converter or from a list, and never changes: all of its functions may be called from any thread.
+// A table is filled once, from a list or from ICU's converter, and never changes: all of its functions may be called from any thread.
 #pragma once
 
 #include "standin/text/upper_halves.h"
@@ -10,12 +10,11 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-struct UConverter;
 
 namespace standin
 {
@@ -42,7 +41,7 @@ struct TwoByteCodes
 struct Encoding
 {
     const char *converter;                           // ICU's name for it, or null
-    const UpperHalf *upperHalf;                      // what to take where ICU has none
+    const UpperHalf *upperHalf;                      // a list to take instead
     std::span<const CodeAndCharacter> corrections;   // where the Macintosh differs from ICU's converter
     TwoByteCodes twoByteCodes;
 };
@@ -73,14 +72,16 @@ private:
     using Page = std::array<std::uint16_t, 256>;
 
     void fillCharacters(const Encoding &encoding);
-    void fillTwoByteCharacters(UConverter *converter, const TwoByteCodes &codes);
+    std::vector<CodeAndCharacter> askedCodes(const TwoByteCodes &codes) const;
     void fillCodes();
     void addCode(unsigned code);
+    void findUncomposed() const;
 
     std::array<bool, 256> leads{}, trails{};
-    std::vector<char16_t> characters;                // by code
-    std::array<std::unique_ptr<Page>, 256> pages;    // codes by character, a page for each high byte that occurs
-    std::map<std::u16string, unsigned> uncomposed;   // codes by letter and mark
+    std::vector<char16_t> characters;               // by code
+    std::array<std::unique_ptr<Page>, 256> pages;   // codes by character, a page for each high byte that occurs
+    mutable std::once_flag uncomposedFound;
+    mutable std::map<std::u16string, unsigned> uncomposed;   // codes by letter and mark, found when they are first asked for
 };
 
 // What stands at the front of a text. A whole code without a character has its length, broken ones have length 0.

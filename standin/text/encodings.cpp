@@ -1,5 +1,7 @@
 #include "standin/text/encodings.h"
 
+#include "standin/text/text_part.h"
+
 #include <algorithm>
 #include <mutex>
 #include <span>
@@ -58,7 +60,7 @@ Encoding fromList(const UpperHalf &upperHalf)
 std::span<Row> rows()
 {
     static Row all[] = {
-        {kTextEncodingMacRoman, fromConverter("macintosh")},
+        {kTextEncodingMacRoman, fromList(romanUpperHalf)},
         {macJapanese, {"ibm-943_P130-1999", nullptr, japaneseCorrections, jisCodes}},
         {macChineseTraditional, {"windows-950", nullptr, traditionalCorrections, bigFiveCodes}},
         {macKorean, {"EUC-KR", nullptr, koreanCorrections, ksCodes}},
@@ -98,6 +100,8 @@ const CodeTable *codeTableOf(TextEncoding base)
     const std::span<Row> all = rows();
     const auto row = std::find_if(all.begin(), all.end(), [base](const Row &each) { return each.base == base; });
     if (row == all.end())
+        return nullptr;
+    if (row->encoding.converter && !textPart())
         return nullptr;
     std::call_once(row->filled, [&row] { row->table = new CodeTable(row->encoding); });   // threads may still convert when others are gone
     return row->table;

@@ -16,7 +16,8 @@ constexpr TextEncoding macChineseSimplified = 25, macTibetan = 26, macEthiopic =
 constexpr TextEncoding macTurkish = 35, macCroatian = 36, macIcelandic = 37, macRomanian = 38, macCeltic = 39, macGaelic = 40;
 constexpr TextEncoding macFarsi = 0x8C, macUkrainian = 0x98, macInuit = 0xEC;
 
-// The table of an encoding, filled when it is first asked for, and kept until the process ends. Null if there is none.
+// The table of an encoding, filled when it is first asked for, and kept until the process ends. Null if there is none, or if it takes the part
+// that knows characters beyond ASCII (text_part.h) and that cannot be loaded. Mac Roman's needs no such part.
 // `base` is what GetTextEncodingBase gives: variants of an encoding share its table.
 const CodeTable *codeTableOf(TextEncoding base);
 

@@ -1,12 +1,8 @@
 #include "standin/text/loose_mappings.h"
 
-#include <unicode/normalizer2.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
+#include "standin/text/text_part.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
 
 namespace standin
 {
@@ -45,26 +41,6 @@ std::u16string listedForm(char32_t character)
     return found != end && found->character == character ? std::u16string(found->form) : std::u16string();
 }
 
-// The kinds of decomposition that change the look of a sign and not the sign. A circle, a square or a raised position is part of one.
-bool isLooseKind(int kind)
-{
-    constexpr std::array kinds{U_DT_CANONICAL, U_DT_COMPAT, U_DT_FONT, U_DT_NARROW, U_DT_NOBREAK, U_DT_SMALL, U_DT_WIDE};
-    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
-}
-
-std::u16string decomposedForm(char32_t character)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2 *normalizer = icu::Normalizer2::getNFKCInstance(status);
-    icu::UnicodeString form;
-    const auto codePoint = static_cast<UChar32>(character);
-    if (U_FAILURE(status) || !isLooseKind(u_getIntPropertyValue(codePoint, UCHAR_DECOMPOSITION_TYPE)))
-        return {};
-    if (!normalizer->getRawDecomposition(codePoint, form))
-        return {};
-    return std::u16string(form.getBuffer(), static_cast<std::size_t>(form.length()));
-}
-
 bool isHarmless(char16_t unit)
 {
     return unit >= u' ' && unit != u':' && unit != 0x7F;
@@ -75,8 +51,8 @@ bool isHarmless(char16_t unit)
 std::u16string looseFormOf(char32_t character)
 {
     std::u16string form = listedForm(character);
-    if (form.empty())
-        form = decomposedForm(character);
+    if (form.empty() && textPart())
+        form = textPart()->otherForm(character);
     return std::all_of(form.begin(), form.end(), isHarmless) ? form : std::u16string();
 }
 

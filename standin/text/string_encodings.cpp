@@ -3,11 +3,12 @@
 #include "standin/text/code_table.h"
 #include "standin/text/encodings.h"
 
-#include <unicode/ustring.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
+#include <cstdint>
 
 namespace standin
 {
@@ -17,7 +18,7 @@ namespace
 
 constexpr CFStringEncoding utf16BigEndian = 0x10000100, utf16LittleEndian = 0x14000100;
 constexpr SInt32 anyMappingVersion = -1;
-constexpr std::size_t mostUnits = 0x10000000;   // far beyond any path, and safe in all that ICU counts with 32 bits
+constexpr std::size_t mostUnits = 0x10000000;   // far beyond any path, and safe in all that counts with 32 bits
 
 enum class Form
 {
@@ -48,28 +49,37 @@ void swapBytes(std::u16string &units)
 
 bool fromUTF8(std::string_view bytes, std::u16string &unicode)
 {
-    UErrorCode status = U_ZERO_ERROR;
-    std::int32_t length = 0;
     std::u16string converted(bytes.size(), u'\0');   // never more units than bytes
-    u_strFromUTF8(converted.data(), static_cast<std::int32_t>(converted.size()), &length, bytes.data(),
-                  static_cast<std::int32_t>(bytes.size()), &status);
-    if (U_FAILURE(status))
-        return false;
-    converted.resize(static_cast<std::size_t>(length));
+    const auto *codes = reinterpret_cast<const std::uint8_t *>(bytes.data());
+    std::size_t length = 0;
+    for (std::size_t next = 0; next < bytes.size();)
+    {
+        UChar32 character;
+        U8_NEXT(codes, next, bytes.size(), character);
+        if (character < 0)
+            return false;
+        U16_APPEND_UNSAFE(converted.data(), length, character);
+    }
+    converted.resize(length);
     unicode = std::move(converted);
     return true;
 }
 
 bool toUTF8(std::u16string_view unicode, std::string &bytes)
 {
-    UErrorCode status = U_ZERO_ERROR;
-    std::int32_t length = 0;
-    std::string converted(unicode.size() * 3, '\0');
-    u_strToUTF8(converted.data(), static_cast<std::int32_t>(converted.size()), &length, unicode.data(),
-                static_cast<std::int32_t>(unicode.size()), &status);
-    if (U_FAILURE(status))
-        return false;
-    converted.resize(static_cast<std::size_t>(length));
+    std::string converted;
+    converted.reserve(unicode.size());
+    for (std::size_t next = 0; next < unicode.size();)
+    {
+        UChar32 character;
+        std::uint8_t code[U8_MAX_LENGTH];
+        std::size_t length = 0;
+        U16_NEXT(unicode.data(), next, unicode.size(), character);
+        if (U_IS_SURROGATE(character))
+            return false;
+        U8_APPEND_UNSAFE(code, length, character);
+        converted.append(reinterpret_cast<const char *>(code), length);
+    }
     bytes = std::move(converted);
     return true;
 }

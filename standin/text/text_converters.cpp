@@ -1,8 +1,8 @@
 #include "standin/text/text_converters.h"
 
 #include "standin/text/encodings.h"
+#include "standin/text/text_part.h"
 
-#include <unicode/normalizer2.h>
 #include <unicode/utf16.h>
 
 namespace standin
@@ -60,11 +60,7 @@ bool beginConversion(const ConversionArguments &arguments)
 
 bool beginsAnew(char32_t character)
 {
-    if (character < firstMark)
-        return true;
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2 *normalizer = icu::Normalizer2::getNFCInstance(status);
-    return U_FAILURE(status) || normalizer->hasBoundaryBefore(static_cast<UChar32>(character));
+    return character < firstMark || !textPart() || textPart()->beginsAnew(character);
 }
 
 std::size_t elementLength(std::u16string_view text)

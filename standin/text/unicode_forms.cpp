@@ -1,11 +1,9 @@
 #include "standin/text/unicode_forms.h"
 
-#include <unicode/normalizer2.h>
-#include <unicode/uniset.h>
-#include <unicode/unistr.h>
+#include "standin/standin.h"
+#include "standin/text/text_part.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace standin
 {
@@ -13,7 +11,7 @@ namespace standin
 namespace
 {
 
-// Both forms of text that stays below these are the text itself, which spares most names the work.
+// A form of text that stays below these is the text itself, which spares most names the work, and most programs the part that does it.
 constexpr char16_t firstDecomposable = 0x00C0;
 constexpr char16_t firstComposable = 0x0300;
 
@@ -22,81 +20,51 @@ bool staysBelow(std::u16string_view unicode, char16_t limit)
     return std::all_of(unicode.begin(), unicode.end(), [limit](char16_t unit) { return unit < limit; });
 }
 
-// The characters that the file system normalizes: all but its three ranges.
-const icu::UnicodeSet &normalizedCharacters()
+// The part, if a form of the text is another than the text itself.
+const TextModule *partFor(std::u16string_view unicode, char16_t limit)
 {
-    static const icu::UnicodeSet *const characters = [] {
-        auto *set = new icu::UnicodeSet(0, 0x10FFFF);   // kept until the process ends: threads may still convert names then
-        set->remove(0x2000, 0x2FFF).remove(0xF900, 0xFAFF).remove(0x2F800, 0x2FAFF);
-        set->freeze();
-        return set;
-    }();
-    return *characters;
-}
-
-// Normalizes one stretch without characters of the ranges. Memory that runs out leaves it as it was.
-icu::UnicodeString normalizedStretch(const icu::Normalizer2 &normalizer, const icu::UnicodeString &stretch)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    icu::UnicodeString result = normalizer.normalize(stretch, status);
-    return U_SUCCESS(status) ? result : stretch;
-}
-
-// Composing a stretch without characters of the ranges can make one (U+2260 from "=" and U+0338). Those are taken apart again.
-icu::UnicodeString withoutMadeCharacters(const icu::Normalizer2 &normalizer, const icu::UnicodeString &stretch)
-{
-    if (normalizedCharacters().containsAll(stretch))
-        return stretch;
-    icu::UnicodeString result;
-    for (std::int32_t index = 0; index < stretch.length(); index = stretch.moveIndex32(index, 1))
-    {
-        UChar32 character = stretch.char32At(index);
-        icu::UnicodeString apart;
-        if (!normalizedCharacters().contains(character) && normalizer.getDecomposition(character, apart))
-            result.append(apart);
-        else
-            result.append(character);
-    }
-    return result;
-}
-
-// Applies `normalize` to each stretch between characters of the ranges, which stay as they are.
-template <typename Normalize>
-std::u16string normalizedBetweenRanges(std::u16string_view unicode, Normalize normalize)
-{
-    icu::UnicodeString source(false, icu::ConstChar16Ptr(unicode.data()), static_cast<std::int32_t>(unicode.size()));
-    icu::UnicodeString result;
-    for (std::int32_t start = 0; start < source.length();)
-    {
-        std::int32_t end = normalizedCharacters().span(source, start, USET_SPAN_SIMPLE);
-        if (end > start)
-            result.append(normalize(source.tempSubStringBetween(start, end)));
-        start = normalizedCharacters().span(source, end, USET_SPAN_NOT_CONTAINED);
-        result.append(source, end, start - end);
-    }
-    return std::u16string(result.getBuffer(), static_cast<std::size_t>(result.length()));
+    return staysBelow(unicode, limit) ? nullptr : textPart();
 }
 
 }   // namespace
 
 std::u16string decomposed(std::u16string_view unicode)
 {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2 *normalizer = staysBelow(unicode, firstDecomposable) ? nullptr : icu::Normalizer2::getNFDInstance(status);
-    if (normalizer == nullptr || U_FAILURE(status))
-        return std::u16string(unicode);
-    return normalizedBetweenRanges(unicode, [&](const icu::UnicodeString &stretch) { return normalizedStretch(*normalizer, stretch); });
+    const TextModule *part = partFor(unicode, firstDecomposable);
+    return part ? part->decomposed(unicode) : std::u16string(unicode);
 }
 
 std::u16string composed(std::u16string_view unicode)
 {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2 *normalizer = staysBelow(unicode, firstComposable) ? nullptr : icu::Normalizer2::getNFCInstance(status);
-    if (normalizer == nullptr || U_FAILURE(status))
-        return std::u16string(unicode);
-    return normalizedBetweenRanges(unicode, [&](const icu::UnicodeString &stretch) {
-        return withoutMadeCharacters(*normalizer, normalizedStretch(*normalizer, stretch));
-    });
+    const TextModule *part = partFor(unicode, firstComposable);
+    return part ? part->composed(unicode) : std::u16string(unicode);
+}
+
+bool canDecompose(std::u16string_view unicode)
+{
+    return staysBelow(unicode, firstDecomposable) || textPart();
+}
+
+bool canCompose(std::u16string_view unicode)
+{
+    return staysBelow(unicode, firstComposable) || textPart();
+}
+
+// --- for hosts -----------------------------------------------------------------------------------------------------------------------------
+
+std::u16string composedText(std::u16string_view unicode)
+{
+    const TextModule *part = partFor(unicode, firstComposable);
+    return part ? part->plainlyComposed(unicode) : std::u16string(unicode);
+}
+
+bool isPlainCharacter(char32_t character)
+{
+    constexpr char32_t firstPrintable = ' ', deletion = 0x7F, firstNonAscii = 0x80;
+    if (character < firstNonAscii)
+        return character >= firstPrintable && character != deletion;
+    const TextModule *part = textPart();
+    return part && part->isPlain(character);
 }
 
 }   // namespace standin

@@ -1,4 +1,4 @@
-// The file system's two forms of Unicode text. Both functions may be called from any thread.
+// The file system's two forms of Unicode text. All functions may be called from any thread.
 #pragma once
 
 #include <string>
@@ -13,5 +13,10 @@ std::u16string decomposed(std::u16string_view unicode);
 // The composed form, with the same ranges left alone: a character of them is neither replaced nor made ("=" and U+0338 stay two).
 // So decomposed(composed(x)) == decomposed(x) for every x. Unpaired surrogates stay as they are in both forms.
 std::u16string composed(std::u16string_view unicode);
+
+// Whether these forms of a text can be told. False if the text needs the part that knows characters beyond ASCII and that cannot be loaded:
+// then the text is given as it is.
+bool canDecompose(std::u16string_view unicode);
+bool canCompose(std::u16string_view unicode);
 
 }   // namespace standin

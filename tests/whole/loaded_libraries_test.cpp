@@ -1,4 +1,5 @@
-// What the program loads when: work on files has no need of fonts, pictures and windows, and does not wait for them.
+// What the program loads when: work on files has no need of fonts, pictures and windows, and seldom of a database and of all Unicode. It does not
+// wait for them.
 
 #include "tests/standin/processes.h"
 #include "tests/whole/host_program.h"
@@ -16,21 +17,45 @@ using host_tests::Setting;
 using testing::HasSubstr;
 using testing::Not;
 
-const char *const lateLibraries[] = {"libfreetype", "libfontconfig", "libpng", "libSDL", "libX11", "libwayland", "zerbdrawing"};
+const char *const lateLibraries[] = {"libfreetype", "libfontconfig", "libpng",      "libSDL",   "libX11",      "libwayland",
+                                     "libicu",      "libsqlite3",    "zerbdrawing", "zerbtext", "zerbdatabase"};
 
 // The loader tells on the standard error output what it looks for and loads.
 const char *const telling = "LD_DEBUG=files";
 
+// What the program needs to start, and nothing of what it loads later.
+const std::string firstProducts[] = {"zerb", "zerb.so", standInFile()};
+
 class LoadedLibraries : public HostTest
 {
+protected:
+    // A program that has none of its parts beside it.
+    Outcome zerbWithoutParts(const host_tests::Words &words) const
+    {
+        std::filesystem::create_directory(path("program"));
+        for (const std::string &product : firstProducts)
+            std::filesystem::copy_file(built(product), path("program/" + product), std::filesystem::copy_options::skip_existing);
+        Setting setting;
+        setting.directory = folder().path();
+        setting.environment = {"ZERB_STATE_FOLDER=" + path("state")};
+        setting.program = path("program/zerb");
+        return runHost(words, setting);
+    }
 };
 
-TEST_F(LoadedLibraries, WorkOnFilesLoadsNoFontsPicturesOrWindows)
+TEST_F(LoadedLibraries, WorkOnFilesLoadsNothingThatIsNotNeededForIt)
 {
     makeFile("file", "text");
-    for (const host_tests::Words &words : {host_tests::Words{"info", "file"}, {"ls", "."}, {"copy", "file", "other"}, {"--help"}})
+    for (const host_tests::Words &words : {host_tests::Words{"info", "file"},
+                                           {"set", "--type", "TEXT", "file"},
+                                           {"ls", "."},
+                                           {"copy", "file", "other"},
+                                           {"rename", "other", "another"},
+                                           {"find", ".", "--name", "*other"},
+                                           {"--help"}})
     {
-        const Outcome outcome = zerb(words, {telling});
+        const Outcome outcome = zerb(words, {telling, "ZERB_STATE_FOLDER=" + path("state")});
+        EXPECT_EQ(outcome.status, 0) << words[0];
         EXPECT_THAT(outcome.errors, HasSubstr("libzerbstandin.so"));
         for (const char *library : lateLibraries)
             EXPECT_THAT(outcome.errors, Not(HasSubstr(library))) << words[0];
@@ -45,7 +70,31 @@ TEST_F(LoadedLibraries, MeasuringTextLoadsTheFontEngine)
     EXPECT_THAT(outcome.errors, HasSubstr("libfreetype"));
 }
 
-TEST_F(LoadedLibraries, OnlyThePartThatDrawsNamesTheFontEngine)
+TEST_F(LoadedLibraries, ANameBeyondAsciiLoadsThePartThatKnowsItsCharacters)
+{
+    makeFile("Résumé");
+    const Outcome outcome = zerb({"info", "Résumé"}, {telling});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("Résumé"));
+    EXPECT_THAT(outcome.errors, HasSubstr("zerbtext.so"));
+    EXPECT_THAT(outcome.errors, HasSubstr("libicuuc"));
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("zerbdatabase")));
+}
+
+TEST_F(LoadedLibraries, FileIDsLoadTheDatabaseOnceThereIsOne)
+{
+    makeFile("file");
+    const std::string state = "ZERB_STATE_FOLDER=" + path("state");
+    EXPECT_THAT(zerb({"id", "--find", "12345678"}, {telling, state}).errors, Not(HasSubstr("zerbdatabase.so")));
+    const Outcome outcome = zerb({"id", "file"}, {telling, state});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("zerbdatabase.so"));
+    EXPECT_THAT(outcome.errors, HasSubstr("libsqlite3"));
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("libicu")));
+    EXPECT_THAT(zerb({"rename", "file", "other"}, {telling, state}).errors, HasSubstr("zerbdatabase.so"));
+}
+
+TEST_F(LoadedLibraries, OnlyThePartsNameWhatTheyAreMadeWith)
 {
     for (const char *product : {"zerb", "zerb.so", "libzerbstandin.so"})
     {
@@ -56,19 +105,61 @@ TEST_F(LoadedLibraries, OnlyThePartThatDrawsNamesTheFontEngine)
             EXPECT_THAT(listed.output, Not(HasSubstr(library))) << product;
     }
     EXPECT_THAT(support::run({"ldd", built("zerbdrawing.so")}).output, HasSubstr("libfreetype"));
+    EXPECT_THAT(support::run({"ldd", built("zerbtext.so")}).output, HasSubstr("libicuuc"));
+    EXPECT_THAT(support::run({"ldd", built("zerbdatabase.so")}).output, HasSubstr("libsqlite3"));
 }
 
 TEST_F(LoadedLibraries, WithoutThePartThatDrawsAllCharactersAreSixPixelsWide)
 {
-    for (const std::string &product : {std::string("zerb"), std::string("zerb.so"), standInFile()})
-        std::filesystem::copy_file(built(product), path(product));   // a link is followed
-    Setting setting;
-    setting.program = path("zerb");
-    const Outcome outcome = runHost({"text", "shorten", "--json", "-w", "36", "Hello", "Letter"}, setting);
+    const Outcome outcome = zerbWithoutParts({"text", "shorten", "--json", "-w", "36", "Hello", "Letter"});
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_EQ(nlohmann::json::parse(outcome.output),
               nlohmann::json::parse(R"([{"text": "Hello", "width": 30, "shortened": "Hello", "shortened_width": 30},
                                         {"text": "Letter", "width": 36, "shortened": "Lett\u2026", "shortened_width": 30}])"));
+}
+
+TEST_F(LoadedLibraries, WithoutAnyPartWorkOnFilesWithPlainNamesGoesOn)
+{
+    makeFile("file", "text");
+    for (const host_tests::Words &words : {host_tests::Words{"info", "file"}, {"copy", "file", "other"}, {"rename", "other", "another"}})
+    {
+        const Outcome outcome = zerbWithoutParts(words);
+        EXPECT_EQ(outcome.status, 0) << words[0];
+        EXPECT_EQ(outcome.errors, "") << words[0];
+    }
+}
+
+TEST_F(LoadedLibraries, WithoutThePartThatKnowsCharactersANameThatNeedsItIsRefusedAndTheReasonTold)
+{
+    makeFile("file");
+    const Outcome outcome = zerbWithoutParts({"rename", "file", "Re\u0301sume\u0301"});   // which is stored with its letters whole
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("paramErr (-50)"));
+    EXPECT_THAT(outcome.errors, HasSubstr("zerb: the part that knows characters beyond ASCII cannot be loaded: "));
+    EXPECT_THAT(outcome.errors, HasSubstr(path("program/zerbtext.so")));
+    EXPECT_TRUE(std::filesystem::exists(path("file")));
+}
+
+TEST_F(LoadedLibraries, WithoutThePartThatKnowsCharactersAListingShowsThemAsEscapes)
+{
+    std::filesystem::create_directory(path("inside"));
+    makeFile("inside/\u00FCber");
+    const Outcome outcome = zerbWithoutParts({"find", "inside"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("inside/\\u{00FC}ber"));
+    EXPECT_THAT(outcome.errors, HasSubstr("zerbtext.so"));
+}
+
+TEST_F(LoadedLibraries, WithoutThePartThatKeepsFileIDsNoneAreGivenAndTheReasonTold)
+{
+    makeFile("file");
+    const Outcome outcome = zerbWithoutParts({"id", "file"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("paramErr (-50)"));
+    EXPECT_THAT(outcome.errors, HasSubstr("zerb: the part that keeps file IDs cannot be loaded: "));
+    EXPECT_THAT(outcome.errors, HasSubstr(path("program/zerbdatabase.so")));
+    EXPECT_FALSE(std::filesystem::exists(path("state")));
 }
 
 }   // namespace
