@@ -39,13 +39,16 @@ std::vector<Disk> disksWithRoom(std::size_t bytes)
     return disks;
 }
 
-WorkFolder::WorkFolder(const Disk &disk) : path_(disk.folder + "/zerb-bench-XXXXXX")
+WorkFolder::WorkFolder(const Disk &disk)
+    : path_(disk.folder + "/zerb-bench-XXXXXX"), isClearedByBench_(disk.name == "disk" && std::getenv("ZERB_BENCH_DISK"))
 {
     require(::mkdtemp(path_.data()) ? noErr : ioErr, path_.c_str());
 }
 
 WorkFolder::~WorkFolder()
 {
+    if (isClearedByBench_)
+        return;
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
 }

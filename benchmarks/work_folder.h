@@ -15,7 +15,7 @@ struct Disk
 // they are /dev/shm and $TMPDIR or /var/tmp. A disk without so much room is left out, which is said on standard error.
 std::vector<Disk> disksWithRoom(std::size_t bytes);
 
-// Gone with the object.
+// Gone with the object; one on the disk only when `./bench` ends, since a disk makes files more slowly for a while after many were deleted.
 class WorkFolder
 {
 public:
@@ -29,6 +29,7 @@ public:
 
 private:
     std::string path_;
+    bool isClearedByBench_;
 };
 
 // These end the program if it failed.

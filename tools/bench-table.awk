@@ -49,13 +49,14 @@ function aim(    text)
 # What is shown is what counts: a ratio with two decimals.
 function exceeds(number, limit) { return limit != "" && sprintf("%.2f", number) > limit + 0 }
 
+# Nothing where there is no aim, or no peer to compare with.
 function verdict()
 {
-    if (at("oursToFloor") == "" || at("aimToFloor") == "" && at("aimToPeer") == "")
+    if (exceeds(at("oursToFloor"), at("aimToFloor")) || exceeds(at("oursToPeer"), at("aimToPeer")))
+        return "no"
+    if (at("aimToFloor") == "" && at("aimToPeer") == "" || at("aimToPeer") != "" && at("oursToPeer") == "")
         return ""
-    if (at("aimToPeer") != "" && at("oursToPeer") == "")
-        return ""
-    return exceeds(at("oursToFloor"), at("aimToFloor")) || exceeds(at("oursToPeer"), at("aimToPeer")) ? "no" : "yes"
+    return "yes"
 }
 
 # Remarks become numbered notes beneath the table; the same one is told once.
