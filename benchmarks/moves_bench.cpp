@@ -26,7 +26,7 @@
 namespace
 {
 
-constexpr std::size_t fileCount = 2000;
+constexpr std::size_t fileCount = 2000;                          // an even number
 constexpr char changesCost[] = "Renames, moves and exchanges";   // see Aim
 
 std::string nameOf(std::size_t number, bool isRenamed)
@@ -47,8 +47,8 @@ public:
     {
         for (const char *name : {"one", "two"})
             std::filesystem::create_directory(place_ / name);
-        for (std::size_t number = 0; number < fileCount; ++number)
-            close(open((place_ / "one/" + nameOf(number, false)).c_str(), O_CREAT | O_WRONLY, 0644));
+        for (std::size_t number = 0; number < fileCount; number += 2)
+            makePair(number);
         one_ = open((place_ / "one").c_str(), O_PATH | O_DIRECTORY);
         two_ = open((place_ / "two").c_str(), O_PATH | O_DIRECTORY);
     }
@@ -83,6 +83,29 @@ public:
     }
 
 private:
+    std::string pathOf(std::size_t number) const { return place_ / "one/" + nameOf(number, false); }
+
+    static bool isSameMoment(const statx_timestamp &first, const statx_timestamp &second)
+    {
+        return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
+    }
+
+    // Both of one moment: an exchange of files that differ in their dates of birth has these to keep at their places.
+    void makePair(std::size_t number)
+    {
+        struct statx made[2]{};
+        do
+        {
+            for (const std::size_t which : {0, 1})
+            {
+                const std::string path = pathOf(number + which);
+                unlink(path.c_str());
+                close(open(path.c_str(), O_CREAT | O_WRONLY, 0644));
+                statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &made[which]);
+            }
+        } while (!isSameMoment(made[0].stx_btime, made[1].stx_btime));
+    }
+
     WorkFolder place_;
     int one_ = -1, two_ = -1;
 };

@@ -47,7 +47,7 @@ function aim(    text)
 }
 
 # What is shown is what counts: a ratio with two decimals.
-function exceeds(number, limit) { return limit != "" && sprintf("%.2f", number) > limit + 0 }
+function exceeds(number, limit) { return limit != "" && sprintf("%.2f", number) + 0 > limit + 0 }
 
 # Nothing where there is no aim, or no peer to compare with.
 function verdict()
@@ -85,7 +85,7 @@ function right(text, width) { while (visibleLength(text) < width) text = " " tex
 
 function textRow(operation, ours, floor, peer, peerRatio, beside, ourCalls, floorCalls, aimed, met, time)
 {
-    print left(operation, 55) " " right(ours, 7) "  " left(floor, 25) " " right(time, 9) "  " left(peer, 29) " " right(peerRatio, 7) " " \
+    print left(operation, 58) " " right(ours, 7) "  " left(floor, 25) " " right(time, 9) "  " left(peer, 29) " " right(peerRatio, 7) " " \
           right(beside, 10) " " right(ourCalls, 7) " " right(floorCalls, 7) "  " left(aimed, 22) " " met
 }
 
