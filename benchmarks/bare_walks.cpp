@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fts.h>
+#include <ftw.h>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -55,18 +56,48 @@ void forEachEntry(int folder, Visit visit)
     }
 }
 
-long walkFolder(int folder, bool asksStatus)
+enum class Asked
+{
+    names,
+    status,
+    statusAndSidecar,
+};
+
+bool isSidecar(const char *name)
+{
+    return name[0] == '.' && name[1] == '_';
+}
+
+void probeSidecar(int folder, const char *name)
+{
+    char beginning[512];
+    const int sidecar = openat(folder, (std::string("._") + name).c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (sidecar < 0)
+        return;
+    if (read(sidecar, beginning, sizeof beginning) < 0)
+        throw std::runtime_error("cannot read a sidecar");
+    close(sidecar);
+}
+
+void askFor(int folder, const char *name, Asked asked)
+{
+    struct statx status;
+    if (asked != Asked::names)
+        statx(folder, name, AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &status);
+    if (asked == Asked::statusAndSidecar && !isSidecar(name))
+        probeSidecar(folder, name);
+}
+
+long walkFolder(int folder, Asked asked)
 {
     long count = 0;
     forEachEntry(folder, [&](const char *name, unsigned char type) {
-        struct statx status;
-        ++count;
-        if (asksStatus)
-            statx(folder, name, AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &status);
+        count += !isSidecar(name);
+        askFor(folder, name, asked);
         if (type != DT_DIR)
             return;
         const int inner = openOrThrow(folder, name);
-        count += walkFolder(inner, asksStatus);
+        count += walkFolder(inner, asked);
         close(inner);
     });
     return count;
@@ -88,12 +119,40 @@ long deleteFolderContents(int folder)
     return count;
 }
 
-long walkTop(const std::string &top, bool asksStatus)
+long walkTop(const std::string &top, Asked asked)
 {
     const int folder = openOrThrow(AT_FDCWD, top);
-    const long count = walkFolder(folder, asksStatus);
+    const long count = walkFolder(folder, asked);
     close(folder);
     return count;
+}
+
+// Gives every object but the top to `visit`; folders twice, before and after what is in them.
+template <typename Visit>
+void forEachByFts(const std::string &top, int options, Visit visit)
+{
+    std::string path = top;
+    char *paths[] = {path.data(), nullptr};
+    FTS *walk = fts_open(paths, options | FTS_PHYSICAL, nullptr);
+    while (const FTSENT *entry = fts_read(walk))
+        if (entry->fts_level > 0)
+            visit(*entry);
+    fts_close(walk);
+}
+
+long countByFts(const std::string &top, int options)
+{
+    long count = 0;
+    forEachByFts(top, options, [&count](const FTSENT &entry) { count += entry.fts_info != FTS_DP; });
+    return count;
+}
+
+long metByNftw;
+
+int meetByNftw(const char *, const struct stat *, int, FTW *place)
+{
+    metByNftw += place->level > 0;
+    return 0;
 }
 
 }   // namespace
@@ -117,24 +176,39 @@ void makeTree(const std::string &path, const TreeShape &shape)
 
 long walkBare(const std::string &top)
 {
-    return walkTop(top, false);
+    return walkTop(top, Asked::names);
 }
 
 long walkBareWithStatus(const std::string &top)
 {
-    return walkTop(top, true);
+    return walkTop(top, Asked::status);
+}
+
+long walkAndProbe(const std::string &top)
+{
+    return walkTop(top, Asked::statusAndSidecar);
 }
 
 long walkByFts(const std::string &top)
 {
-    std::string path = top;
-    char *paths[] = {path.data(), nullptr};
-    FTS *walk = fts_open(paths, FTS_NOSTAT | FTS_PHYSICAL, nullptr);
-    long count = 0;
-    while (const FTSENT *entry = fts_read(walk))
-        count += entry->fts_info != FTS_DP && entry->fts_level > 0;
-    fts_close(walk);
-    return count;
+    return countByFts(top, FTS_NOSTAT);
+}
+
+long walkByFtsWithoutFolders(const std::string &top)
+{
+    return countByFts(top, FTS_NOSTAT | FTS_NOCHDIR);
+}
+
+long walkByFtsWithStatus(const std::string &top)
+{
+    return countByFts(top, 0);
+}
+
+long walkByNftw(const std::string &top)
+{
+    metByNftw = 0;
+    nftw(top.c_str(), meetByNftw, 64, FTW_PHYS);
+    return metByNftw;
 }
 
 long walkByLibrary(const std::string &top)
@@ -177,4 +251,17 @@ long deleteBare(const std::string &top)
 long deleteByLibrary(const std::string &top)
 {
     return static_cast<long>(std::filesystem::remove_all(top)) - 1;
+}
+
+long deleteByFts(const std::string &top)
+{
+    long count = 0;
+    forEachByFts(top, FTS_NOSTAT, [&count](const FTSENT &entry) {
+        if (entry.fts_info == FTS_D)
+            return;
+        ++count;
+        unlinkat(AT_FDCWD, entry.fts_accpath, entry.fts_info == FTS_DP ? AT_REMOVEDIR : 0);
+    });
+    rmdir(top.c_str());
+    return count;
 }

@@ -14,10 +14,14 @@ struct TreeShape
 };
 void makeTree(const std::string &path, const TreeShape &shape);
 
-// Each gives how many objects it met, the top not among them.
+// Each gives how many objects it met, the top not among them; sidecars are part of their files.
 long walkBare(const std::string &top);             // getdents64 and its types
 long walkBareWithStatus(const std::string &top);   // and a statx for each object
+long walkAndProbe(const std::string &top);         // and for each, whether it has a sidecar, whose beginning is read
 long walkByFts(const std::string &top);
+long walkByFtsWithoutFolders(const std::string &top);   // that is, without making each the process's own in turn
+long walkByFtsWithStatus(const std::string &top);
+long walkByNftw(const std::string &top);      // with a status each
 long walkByLibrary(const std::string &top);   // std::filesystem
 
 long listBare(const std::string &folder);        // read and counted, kept nowhere
@@ -26,3 +30,4 @@ long listByReaddir(const std::string &folder);   // names into a vector
 // The top goes, too.
 long deleteBare(const std::string &top);
 long deleteByLibrary(const std::string &top);
+long deleteByFts(const std::string &top);

@@ -4,102 +4,67 @@
 // given back to the machine between, so each comes first once. What was copied is removed outside of the times. On tmpfs and on the disk of /var/tmp where
 // they have room. A command's time includes its start.
 #include "benchmarks/ratio_table.h"
+#include "benchmarks/work_folder.h"
 #include "files/fstoolkit.h"
 #include "standin/standin.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
-#include <memory>
-#include <stdexcept>
+#include <linux/fs.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
 
 namespace
 {
 
-constexpr int smallFileCount = 10000;
+constexpr int smallFileCount = 4000;
 constexpr std::size_t smallFileSize = 4096;
-constexpr std::size_t largeFileSize = std::size_t{1} << 30;
+constexpr int clonedFileCount = 100;
+constexpr std::size_t largeFileSize = std::size_t{1} << 28;
 
-[[noreturn]] void fail(const std::string &what)
-{
-    throw std::runtime_error("copies_bench: " + what);
-}
-
-void check(OSStatus result, const char *what)
-{
-    if (result != noErr)
-        fail(std::string(what) + " gave " + std::to_string(result));
-}
-
-int checked(int result, const char *what)
-{
-    if (result < 0)
-        fail(what);
-    return result;
-}
-
-FSRef referenceTo(const std::string &path)
-{
-    FSRef ref{};
-    check(FSPathMakeRef(reinterpret_cast<const UInt8 *>(path.c_str()), &ref, nullptr), "FSPathMakeRef");
-    return ref;
-}
-
-// A folder of our own that goes with the object: `from` with the files, and a folder for each of the two sides.
-class WorkFolder
+// `from` with the files, and a folder for each side that copies.
+class CopyFolders : public WorkFolder
 {
 public:
-    WorkFolder(const std::string &where, int fileCount, std::size_t fileSize) : path_(where + "/zerb-copies-bench-XXXXXX")
+    CopyFolders(const Disk &disk, int fileCount, std::size_t fileSize) : WorkFolder(disk)
     {
-        if (!::mkdtemp(path_.data()))
-            fail("no folder in " + where);
-        for (const char *name : {"/from", "/ours", "/theirs"})
-            checked(::mkdir((path_ + name).c_str(), 0755), "mkdir");
+        for (const char *name : {"from", "ours", "theirs"})
+            requireNumber(::mkdir((*this / name).c_str(), 0755), "mkdir");
         for (int i = 0; i < fileCount; ++i)
-            makeFile(path_ + "/from/file" + std::to_string(i), fileSize);
+            makeFile(*this / ("from/file" + std::to_string(i)), fileSize);
         flush();
     }
-    WorkFolder(const WorkFolder &) = delete;
-    WorkFolder &operator=(const WorkFolder &) = delete;
-    ~WorkFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    std::string operator/(const std::string &name) const { return path_ + "/" + name; }
 
     void flush() const   // so that no turn pays for the one before
     {
-        const int folder = checked(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), "open");
+        const int folder = requireNumber(::open(path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), "open");
         ::syncfs(folder);
         ::close(folder);
     }
 
     void empty(const std::string &name) const
     {
-        for (const auto &entry : std::filesystem::directory_iterator(path_ + "/" + name))
+        for (const auto &entry : std::filesystem::directory_iterator(*this / name))
             std::filesystem::remove_all(entry.path());
     }
 
 private:
-    static void makeFile(const std::string &path, std::size_t size)
+    static void makeFile(const std::string &file, std::size_t size)
     {
         const std::vector<char> piece(std::min<std::size_t>(size, 1 << 20), 'x');
-        const int file = checked(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644), "open");
+        const int made = requireNumber(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644), "open");
         for (std::size_t written = 0; written < size; written += piece.size())
-            if (::write(file, piece.data(), piece.size()) != static_cast<ssize_t>(piece.size()))
-                fail("write");
-        ::close(file);
+            if (::write(made, piece.data(), piece.size()) != static_cast<ssize_t>(piece.size()))
+                require(ioErr, "write");
+        ::close(made);
     }
-
-    std::string path_;
 };
 
 // --- ours -----------------------------------------------------------------------------------------------------------------------------------
@@ -108,15 +73,15 @@ private:
 class OurCopies
 {
 public:
-    OurCopies(const WorkFolder &folder, int fileCount) : target_(referenceTo(folder / "ours"))
+    OurCopies(const CopyFolders &folder, int fileCount) : target_(refAt(folder / "ours"))
     {
         for (int i = 0; i < fileCount; ++i)
-            sources_.push_back(referenceTo(folder / ("from/file" + std::to_string(i))));
+            sources_.push_back(refAt(folder / ("from/file" + std::to_string(i))));
     }
     void copy() const
     {
         for (const FSRef &source : sources_)
-            check(FSCopyFile(&source, &target_, 0, nullptr, kTextEncodingUnknown, nullptr), "FSCopyFile");
+            require(FSCopyFile(&source, &target_, 0, nullptr, kTextEncodingUnknown, nullptr), "FSCopyFile");
     }
 
 private:
@@ -128,61 +93,75 @@ private:
 
 void copyBareOne(int from, int to, const char *name, char *buffer)
 {
-    const int source = checked(::openat(from, name, O_RDONLY | O_CLOEXEC), "open");
-    const int copy = checked(::openat(to, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644), "open");
+    const int source = requireNumber(::openat(from, name, O_RDONLY | O_CLOEXEC), "open");
+    const int copy = requireNumber(::openat(to, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644), "open");
     const ssize_t got = ::read(source, buffer, smallFileSize);
     if (got < 0 || ::write(copy, buffer, static_cast<std::size_t>(got)) != got)
-        fail("read and write");
+        require(ioErr, "read and write");
     ::close(source);
     ::close(copy);
 }
 
-void copyBareSmall(const WorkFolder &folder)
+void copyBareSmall(const CopyFolders &folder)
 {
     char buffer[smallFileSize];
-    const int from = checked(::open((folder / "from").c_str(), O_PATH | O_CLOEXEC), "open");
-    const int to = checked(::open((folder / "theirs").c_str(), O_PATH | O_CLOEXEC), "open");
+    const int from = requireNumber(::open((folder / "from").c_str(), O_PATH | O_CLOEXEC), "open");
+    const int to = requireNumber(::open((folder / "theirs").c_str(), O_PATH | O_CLOEXEC), "open");
     for (int i = 0; i < smallFileCount; ++i)
         copyBareOne(from, to, ("file" + std::to_string(i)).c_str(), buffer);
     ::close(from);
     ::close(to);
 }
 
-void copyBareLarge(const WorkFolder &folder)
+void copyBareLarge(const CopyFolders &folder)
 {
-    const int source = checked(::open((folder / "from/file0").c_str(), O_RDONLY | O_CLOEXEC), "open");
-    const int copy = checked(::open((folder / "theirs/file0").c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644), "open");
-    for (std::size_t left = largeFileSize; left > 0;)
-    {
-        const ssize_t copied = ::copy_file_range(source, nullptr, copy, nullptr, left, 0);
-        if (copied <= 0)
-            fail("copy_file_range");
-        left -= static_cast<std::size_t>(copied);
-    }
+    const int source = requireNumber(::open((folder / "from/file0").c_str(), O_RDONLY | O_CLOEXEC), "open");
+    const int copy = requireNumber(::open((folder / "theirs/file0").c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644), "open");
+    while (requireNumber(::copy_file_range(source, nullptr, copy, nullptr, largeFileSize, 0), "copy_file_range") > 0)
+        continue;
     ::close(source);
     ::close(copy);
 }
 
-void copyByCommand(const WorkFolder &folder, const std::string &options)
+void cloneBareOne(const CopyFolders &folder, const std::string &name)
 {
-    const std::string command = "cp " + options + " '" + (folder / "from") + "/.' '" + (folder / "theirs") + "/'";
-    if (std::system(command.c_str()) != 0)
-        fail(command);
+    const int source = requireNumber(::open((folder / ("from/" + name)).c_str(), O_RDONLY | O_CLOEXEC), "open");
+    const int copy = requireNumber(::open((folder / ("theirs/" + name)).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644), "open");
+    requireNumber(::ioctl(copy, FICLONE, source), "FICLONE");
+    ::close(source);
+    ::close(copy);
+}
+
+void cloneBare(const CopyFolders &folder)
+{
+    for (int i = 0; i < clonedFileCount; ++i)
+        cloneBareOne(folder, "file" + std::to_string(i));
+}
+
+void copyByLibrary(const CopyFolders &folder)
+{
+    for (const auto &entry : std::filesystem::directory_iterator(folder / "from"))
+        std::filesystem::copy_file(entry.path(), folder / ("theirs/" + entry.path().filename().native()));
+}
+
+void copyByCommand(const CopyFolders &folder, const std::string &options)
+{
+    runCommand({"cp", options, folder / "from/.", folder / "theirs/"});
 }
 
 // --- the table ------------------------------------------------------------------------------------------------------------------------------
 
-struct Job
+struct Files
 {
     const char *what;
     int fileCount;
     std::size_t fileSize;
     int turns;
 };
-constexpr Job smallJob{"10,000 files of 4 KiB", smallFileCount, smallFileSize, 5};
-constexpr Job largeJob{"1 GiB", 1, largeFileSize, 5};
+constexpr Files smallFiles{"4,000 files of 4 KiB", smallFileCount, smallFileSize, 5};
+constexpr Files largeFile{"256 MiB", 1, largeFileSize, 5};
 
-using Theirs = std::function<void(const WorkFolder &)>;
+using Theirs = std::function<void(const CopyFolders &)>;
 
 double nanosecondsForOne(const std::function<void()> &work, int count)
 {
@@ -192,17 +171,17 @@ double nanosecondsForOne(const std::function<void()> &work, int count)
     return passed.count() / count;
 }
 
-void measure(benchmark::State &state, const std::string &where, const Job &job, const Theirs &theirs)
+void measure(benchmark::State &state, const Disk &disk, const Files &files, const Theirs &theirs)
 {
-    const WorkFolder folder(where, job.fileCount, job.fileSize);
-    const OurCopies copies(folder, job.fileCount);
+    const CopyFolders folder(disk, files.fileCount, files.fileSize);
+    const OurCopies copies(folder, files.fileCount);
     TurnTimes times;
     for (auto turn : state)
     {
         (void)turn;
         double ours = 0, others = 0;
-        const auto doOurs = [&] { ours += nanosecondsForOne([&] { copies.copy(); }, job.fileCount); };
-        const auto doTheirs = [&] { others += nanosecondsForOne([&] { theirs(folder); }, job.fileCount); };
+        const auto doOurs = [&] { ours += nanosecondsForOne([&] { copies.copy(); }, files.fileCount); };
+        const auto doTheirs = [&] { others += nanosecondsForOne([&] { theirs(folder); }, files.fileCount); };
         for (const bool oursFirst : {true, false})
         {
             oursFirst ? doOurs() : doTheirs();
@@ -217,47 +196,94 @@ void measure(benchmark::State &state, const std::string &where, const Job &job, 
     times.report(state);
 }
 
-void addRow(const std::string &where, const Job &job, const std::string &peer, const Theirs &theirs)
+void addRow(const Disk &disk, const Files &files, const std::string &peer, const Theirs &theirs)
 {
-    const RatioRow row{std::string(job.what) + ", " + where, peer, ""};
+    const RatioRow row{std::string(files.what) + ", " + disk.name, peer, ""};
     benchmark::RegisterBenchmark(rememberRow(row).c_str(), [=](benchmark::State &state) {
-        measure(state, where, job, theirs);
-    })->Iterations(job.turns);
+        measure(state, disk, files, theirs);
+    })->Iterations(files.turns);
 }
 
-bool hasRoom(const std::string &where)
+void printCalls(const Disk &disk)
 {
-    struct statvfs room;
-    return ::access(where.c_str(), W_OK) == 0 && ::statvfs(where.c_str(), &room) == 0 && room.f_bavail * room.f_frsize > 4 * largeFileSize;
-}
-
-void printCalls(const std::string &where)
-{
-    const WorkFolder folder(where, 1000, smallFileSize);
+    const CopyFolders folder(disk, 1000, smallFileSize);
     const OurCopies copies(folder, 1000);
     const std::uint64_t before = standin::systemCallCount();
     copies.copy();
-    std::printf("%s: %.2f system calls for each file of 4 KiB\n", where.c_str(),
+    std::printf("%s: %.2f system calls for each file of 4 KiB\n", disk.name.c_str(),
                 static_cast<double>(standin::systemCallCount() - before) / 1000);
+}
+
+// --- rows of the one table ------------------------------------------------------------------------------------------------------------------
+
+void operateCopies(const std::string &name, const Disk &disk, const Files &files, const std::pair<const char *, Theirs> &floor,
+                   const Aim &aim)
+{
+    if (!isOperationWanted(name))
+        return;
+    const CopyFolders folder(disk, files.fileCount, files.fileSize);
+    const OurCopies copies(folder, files.fileCount);
+    const auto clear = [&folder] {
+        folder.empty("ours");
+        folder.empty("theirs");
+        folder.flush();
+    };
+    const long count = files.fileCount;
+    const auto wayOf = [&](const char *wayName, const Theirs &theirs, Counted counted) {
+        return Way{wayName,
+                   [&folder, theirs, count] {
+                       theirs(folder);
+                       return count;
+                   },
+                   clear, counted};
+    };
+    measureOperation({{name,
+                       wayOf(
+                           "", [&copies](const CopyFolders &) { copies.copy(); }, Counted::everything),
+                       {wayOf(floor.first, floor.second, Counted::everything), wayOf("std::filesystem", copyByLibrary, Counted::everything),
+                        wayOf(
+                            "cp -r", [](const CopyFolders &from) { copyByCommand(from, "-r"); }, Counted::commandsOnly)},
+                       files.turns,
+                       false},
+                      aim});
+}
+
+void operateClones()
+{
+    const std::string name = "copy of 4 MiB that share their blocks, btrfs";
+    const Files files{"", clonedFileCount, std::size_t{4} << 20, 11};
+    const char *folder = std::getenv("ZERB_BENCH_CLONING");
+    if (!folder)
+        return leaveOut(name, "no disk that can share blocks could be mounted");
+    operateCopies(name, {folder, "btrfs"}, files, {"FICLONE", cloneBare}, {2.0, 0, "Copies"});
+}
+
+void operateOn(const Disk &disk)
+{
+    operateCopies("copy of 4 KiB, " + disk.name, disk, {"", smallFileCount, smallFileSize, 9}, {"open, read, write, close", copyBareSmall},
+                  {1.06, 0, "Copies"});
+    operateCopies("copy of 256 MiB, " + disk.name, disk, {"", 1, largeFileSize, 9}, {"copy_file_range", copyBareLarge},
+                  {1.03, 0, "Copies"});
+}
+
+void addRowsOn(const Disk &disk)
+{
+    printCalls(disk);
+    addRow(disk, smallFiles, "open, open, read, write, close, close", copyBareSmall);
+    addRow(disk, smallFiles, "cp -r", [](const CopyFolders &folder) { copyByCommand(folder, "-r"); });
+    addRow(disk, smallFiles, "cp -a", [](const CopyFolders &folder) { copyByCommand(folder, "-a"); });
+    addRow(disk, largeFile, "one copy_file_range", copyBareLarge);
+    addRow(disk, largeFile, "cp", [](const CopyFolders &folder) { copyByCommand(folder, "-r"); });
 }
 
 }   // namespace
 
 int main(int argumentCount, char **arguments)
 {
-    for (const std::string where : {"/dev/shm", "/var/tmp"})
-    {
-        if (!hasRoom(where))
-        {
-            std::printf("%s is left out: it has no room for three copies of 1 GiB\n", where.c_str());
-            continue;
-        }
-        printCalls(where);
-        addRow(where, smallJob, "open, open, read, write, close, close", copyBareSmall);
-        addRow(where, smallJob, "cp -r", [](const WorkFolder &folder) { copyByCommand(folder, "-r"); });
-        addRow(where, smallJob, "cp -a", [](const WorkFolder &folder) { copyByCommand(folder, "-a"); });
-        addRow(where, largeJob, "one copy_file_range", copyBareLarge);
-        addRow(where, largeJob, "cp", [](const WorkFolder &folder) { copyByCommand(folder, "-r"); });
-    }
-    return runRatioTable(argumentCount, arguments);
+    const bool isForTable = areOperationsWanted(argumentCount, arguments);
+    for (const Disk &disk : disksWithRoom(4 * largeFileSize))
+        isForTable ? operateOn(disk) : addRowsOn(disk);
+    if (!isForTable)
+        return runRatioTable(argumentCount, arguments);
+    operateClones();
 }

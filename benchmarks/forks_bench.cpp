@@ -1,20 +1,17 @@
 // Copying one open fork into another through a buffer of 1 MiB, beside the loop of pread and pwrite that a program without forks would
 // write.
 //
-// 1 GiB each time, over a fork of the same length that is there already (new room in memory costs more, and is far noisier), on tmpfs and
+// 256 MiB each time, over a fork of the same length that is there already (new room in memory costs more, and is far noisier), on tmpfs and
 // on the disk of /var/tmp where they have room. Whole copies in turns; which comes first alternates. The table says nanoseconds for each
 // MiB.
 #include "benchmarks/ratio_table.h"
-#include "platform/platform.h"
+#include "benchmarks/work_folder.h"
+#include "files/forks.h"
 
+#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <memory>
-#include <stdexcept>
 #include <string>
-#include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
 
@@ -22,50 +19,16 @@ namespace
 {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 20;
-constexpr std::size_t bufferCount = 1024;
+constexpr std::size_t bufferCount = 256;
 constexpr int turns = 9;
 constexpr off_t plainSidecarSize = 82;   // where the fork begins in a new sidecar
-
-[[noreturn]] void fail(const std::string &what)
-{
-    throw std::runtime_error("forks_bench: " + what);
-}
-
-void check(OSErr result, const char *what)
-{
-    if (result != noErr)
-        fail(std::string(what) + " gave " + std::to_string(result));
-}
-
-// A folder of our own that goes with the object.
-class WorkFolder
-{
-public:
-    explicit WorkFolder(const std::string &where) : path_(where + "/zerb-forks-bench-XXXXXX")
-    {
-        if (!::mkdtemp(path_.data()))
-            fail("no folder in " + where);
-    }
-    WorkFolder(const WorkFolder &) = delete;
-    WorkFolder &operator=(const WorkFolder &) = delete;
-    ~WorkFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    std::string operator/(const std::string &name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
-};
 
 class RawFile
 {
 public:
     explicit RawFile(const std::string &path) : number_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
     {
-        if (number_ < 0)
-            fail("cannot open " + path);
+        requireNumber(number_, path.c_str());
     }
     RawFile(const RawFile &) = delete;
     RawFile &operator=(const RawFile &) = delete;
@@ -87,7 +50,7 @@ public:
         for (std::size_t i = 0; i < bufferCount; ++i)
         {
             std::fill(buffer_.begin(), buffer_.end(), static_cast<char>(i));
-            check(FSWriteFork(from_, fsAtMark, 0, bufferSize, buffer_.data(), nullptr), "FSWriteFork");
+            require(FSWriteFork(from_, fsAtMark, 0, bufferSize, buffer_.data(), nullptr), "FSWriteFork");
         }
         copy();
     }
@@ -99,34 +62,17 @@ public:
         FSCloseFork(to_);
     }
 
-    void copy()
-    {
-        SInt64 size = 0;
-        check(FSGetForkSize(from_, &size), "FSGetForkSize");
-        check(FSSetForkSize(to_, fsFromStart, size), "FSSetForkSize");
-        check(FSSetForkPosition(from_, fsFromStart, 0), "FSSetForkPosition");
-        check(FSSetForkPosition(to_, fsFromStart, 0), "FSSetForkPosition");
-        OSErr read = noErr;
-        while (read == noErr)
-        {
-            ByteCount got = 0;
-            read = FSReadFork(from_, fsAtMark | noCacheMask, 0, bufferSize, buffer_.data(), &got);
-            check(FSWriteFork(to_, fsAtMark | noCacheMask, 0, got, buffer_.data(), nullptr), "FSWriteFork");
-        }
-        if (read != eofErr)
-            check(read, "FSReadFork");
-    }
+    void copy() { require(FSCopyFork(from_, to_, buffer_.data(), bufferSize), "FSCopyFork"); }
 
 private:
     static SInt16 open(const std::string &path, bool resource)
     {
         const RawFile made(path);
-        FSRef ref;
+        const FSRef ref = refAt(path);
         HFSUniStr255 name;
         SInt16 fork = 0;
-        check(static_cast<OSErr>(FSPathMakeRef(reinterpret_cast<const UInt8 *>(path.c_str()), &ref, nullptr)), "FSPathMakeRef");
-        check(resource ? FSGetResourceForkName(&name) : FSGetDataForkName(&name), "the fork's name");
-        check(FSOpenFork(&ref, name.length, name.unicode, fsRdWrPerm, &fork), "FSOpenFork");
+        require(resource ? FSGetResourceForkName(&name) : FSGetDataForkName(&name), "the fork's name");
+        require(FSOpenFork(&ref, name.length, name.unicode, fsRdWrPerm, &fork), "FSOpenFork");
         return fork;
     }
 
@@ -147,7 +93,7 @@ public:
         while ((got = ::pread(from_.number(), buffer_.data(), bufferSize, at)) > 0)
         {
             if (::pwrite(to_.number(), buffer_.data(), static_cast<std::size_t>(got), at) != got)
-                fail("pwrite");
+                require(ioErr, "pwrite");
             at += got;
         }
     }
@@ -155,8 +101,7 @@ public:
     void fill()
     {
         for (std::size_t i = 0; i < bufferCount; ++i)
-            if (::pwrite(from_.number(), buffer_.data(), bufferSize, static_cast<off_t>(i * bufferSize)) < 0)
-                fail("pwrite");
+            requireNumber(::pwrite(from_.number(), buffer_.data(), bufferSize, static_cast<off_t>(i * bufferSize)), "pwrite");
         copy();
     }
 
@@ -165,13 +110,6 @@ private:
     off_t offset_;
     std::vector<char> buffer_;
 };
-
-bool hasRoom(const std::string &where)
-{
-    struct statvfs room;
-    const std::uint64_t needed = std::uint64_t{6} * bufferSize * bufferCount;
-    return ::access(where.c_str(), W_OK) == 0 && ::statvfs(where.c_str(), &room) == 0 && room.f_bavail * room.f_frsize > needed;
-}
 
 double nanosecondsAMiB(const auto &work)
 {
@@ -187,9 +125,9 @@ enum class Beside
     filesOfTheirOwn,
 };
 
-void measure(benchmark::State &state, const std::string &where, bool resource, Beside beside)
+void measure(benchmark::State &state, const Disk &disk, bool resource, Beside beside)
 {
-    const WorkFolder folder(where);
+    const WorkFolder folder(disk);
     ForkPair forks(folder, resource);
     const bool shared = beside == Beside::theSameFiles;
     const std::string prefix = !shared ? "bare-" : resource ? "._" : "";
@@ -215,31 +153,54 @@ void measure(benchmark::State &state, const std::string &where, bool resource, B
     times.report(state);
 }
 
-void addCopyRow(const std::string &disk, const std::string &where, bool resource, Beside beside)
+void addCopyRow(const Disk &disk, bool resource, Beside beside)
 {
-    const RatioRow row{std::string(resource ? "resource" : "data") + " fork, 1 GiB, " + disk,
+    const RatioRow row{std::string(resource ? "resource" : "data") + " fork, 256 MiB, " + disk.name,
                        beside == Beside::theSameFiles ? "loop, same files" : "loop, own files",
                        resource && beside == Beside::filesOfTheirOwn ? "a fork begins at byte 82, no page's start" : ""};
-    benchmark::RegisterBenchmark(rememberRow(row).c_str(), [where, resource, beside](benchmark::State &state) {
-        measure(state, where, resource, beside);
+    benchmark::RegisterBenchmark(rememberRow(row).c_str(), [disk, resource, beside](benchmark::State &state) {
+        measure(state, disk, resource, beside);
     })->Iterations(turns);
+}
+
+// Its row of the one table.
+void operateCopy(const Disk &disk)
+{
+    const std::string name = "open fork, through the caller's buffer, " + disk.name;
+    if (!isOperationWanted(name))
+        return;
+    const WorkFolder folder(disk);
+    ForkPair forks(folder, false);
+    BarePair bare(folder / "from", folder / "to", 0);
+    ::sync();
+    const auto ours = [&forks] {
+        forks.copy();
+        return static_cast<long>(bufferCount);
+    };
+    const auto theirs = [&bare] {
+        bare.copy();
+        return static_cast<long>(bufferCount);
+    };
+    measureOperation({{name, {"", ours}, {{"pread, pwrite", theirs}}},
+                      {1.02, 0, "Open forks"},
+                      "the same loop is what else one would write; an object is a MiB"});
 }
 
 }   // namespace
 
 int main(int argumentCount, char **arguments)
 {
-    const std::pair<const char *, const char *> disks[] = {{"tmpfs", "/dev/shm"}, {"/var/tmp", "/var/tmp"}};
-    for (const auto &[disk, where] : disks)
+    const bool isForTable = areOperationsWanted(argumentCount, arguments);
+    for (const Disk &disk : disksWithRoom(6 * bufferSize * bufferCount))
     {
-        if (!hasRoom(where))
+        if (isForTable)
         {
-            std::printf("%s is left out: it has no room for copies of 1 GiB\n", where);
+            operateCopy(disk);
             continue;
         }
-        addCopyRow(disk, where, false, Beside::theSameFiles);
-        addCopyRow(disk, where, true, Beside::theSameFiles);
-        addCopyRow(disk, where, true, Beside::filesOfTheirOwn);
+        addCopyRow(disk, false, Beside::theSameFiles);
+        addCopyRow(disk, true, Beside::theSameFiles);
+        addCopyRow(disk, true, Beside::filesOfTheirOwn);
     }
-    return runRatioTable(argumentCount, arguments);
+    return isForTable ? 0 : runRatioTable(argumentCount, arguments);
 }

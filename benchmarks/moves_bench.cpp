@@ -1,22 +1,20 @@
 // Renaming, moving and exchanging through references, beside the bare system calls on as many files: `./bench`, or this program itself.
 //
-// The folders lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp, whatever disk that is. The references come from a listing, as a walk's do.
+// The folders lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp (work_folder.h). The references come from a listing, as a walk's do.
 //
 // "the same calls" are those that ours makes, with nothing between them: what such a row shows is our own code, and what it lacks to the row beside the bare
 // step is what the other calls cost.
 
 #include "benchmarks/ratio_table.h"
+#include "benchmarks/work_folder.h"
 #include "platform/platform.h"
-#include "standin/standin.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <linux/fs.h>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -28,22 +26,8 @@
 namespace
 {
 
-constexpr std::size_t fileCount = 5000;
-
-void require(OSStatus result, const char *what)
-{
-    if (result == noErr)
-        return;
-    std::fprintf(stderr, "%s: %d\n", what, static_cast<int>(result));
-    std::exit(1);
-}
-
-FSRef refAt(const std::string &path)
-{
-    FSRef ref;
-    require(FSPathMakeRef(reinterpret_cast<const UInt8 *>(path.c_str()), &ref, nullptr), path.c_str());
-    return ref;
-}
+constexpr std::size_t fileCount = 2000;                          // an even number
+constexpr char changesCost[] = "Renames, moves and exchanges";   // see Aim
 
 std::string nameOf(std::size_t number, bool isRenamed)
 {
@@ -59,35 +43,30 @@ std::vector<UniChar> unitsOf(const std::string &text)
 class Folders
 {
 public:
-    explicit Folders(const std::string &disk)
+    explicit Folders(const Disk &disk) : place_(disk)
     {
-        std::string pattern = disk + "/zerb-bench-XXXXXX";
-        if (!mkdtemp(pattern.data()))
-            throw std::runtime_error("no folder can be made in " + disk);
-        path_ = pattern;
-        for (const char *name : {"/one", "/two"})
-            std::filesystem::create_directory(path_ + name);
-        for (std::size_t number = 0; number < fileCount; ++number)
-            close(open((path_ + "/one/" + nameOf(number, false)).c_str(), O_CREAT | O_WRONLY, 0644));
-        one_ = open((path_ + "/one").c_str(), O_PATH | O_DIRECTORY);
-        two_ = open((path_ + "/two").c_str(), O_PATH | O_DIRECTORY);
+        for (const char *name : {"one", "two"})
+            std::filesystem::create_directory(place_ / name);
+        for (std::size_t number = 0; number < fileCount; number += 2)
+            makePair(number);
+        one_ = open((place_ / "one").c_str(), O_PATH | O_DIRECTORY);
+        two_ = open((place_ / "two").c_str(), O_PATH | O_DIRECTORY);
     }
     ~Folders()
     {
         close(one_);
         close(two_);
-        std::filesystem::remove_all(path_);
     }
     Folders(const Folders &) = delete;
     Folders &operator=(const Folders &) = delete;
 
-    const std::string &path() const { return path_; }
+    const std::string &path() const { return place_.path(); }
     int folder(bool isSecond) const { return isSecond ? two_ : one_; }
 
     // As a listing gives them, in the order of their names.
     std::vector<FSRef> listedReferences() const
     {
-        const FSRef folder = refAt(path_ + "/one");
+        const FSRef folder = refAt(place_ / "one");
         std::vector<FSRef> refs(fileCount), sorted(fileCount);
         std::vector<HFSUniStr255> names(fileCount);
         FSIterator iterator;
@@ -104,7 +83,30 @@ public:
     }
 
 private:
-    std::string path_;
+    std::string pathOf(std::size_t number) const { return place_ / "one/" + nameOf(number, false); }
+
+    static bool isSameMoment(const statx_timestamp &first, const statx_timestamp &second)
+    {
+        return first.tv_sec == second.tv_sec && first.tv_nsec == second.tv_nsec;
+    }
+
+    // Both of one moment: an exchange of files that differ in their dates of birth has these to keep at their places.
+    void makePair(std::size_t number)
+    {
+        struct statx made[2]{};
+        do
+        {
+            for (const std::size_t which : {0, 1})
+            {
+                const std::string path = pathOf(number + which);
+                unlink(path.c_str());
+                close(open(path.c_str(), O_CREAT | O_WRONLY, 0644));
+                statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &made[which]);
+            }
+        } while (!isSameMoment(made[0].stx_btime, made[1].stx_btime));
+    }
+
+    WorkFolder place_;
     int one_ = -1, two_ = -1;
 };
 
@@ -123,7 +125,7 @@ struct Round
 
 struct OurRound : Round
 {
-    explicit OurRound(const std::string &disk) : folders(disk), refs(folders.listedReferences()) {}
+    explicit OurRound(const Disk &disk) : folders(disk), refs(folders.listedReferences()) {}
 
     void rename()
     {
@@ -146,8 +148,15 @@ struct OurRound : Round
         next = (next + 2) % fileCount;
     }
 
-    // Every file gets metadata of its own, which stay with its place when it is exchanged.
-    void giveTypes()
+    Folders folders;
+    std::vector<FSRef> refs;
+    FSRef one = refAt(folders.path() + "/one"), two = refAt(folders.path() + "/two");
+};
+
+// Every file has metadata of its own, which stay with its place when it is exchanged.
+struct OurTypedRound : OurRound
+{
+    explicit OurTypedRound(const Disk &disk) : OurRound(disk)
     {
         for (std::size_t number = 0; number < refs.size(); ++number)
         {
@@ -156,15 +165,11 @@ struct OurRound : Round
             require(FSSetCatalogInfo(&refs[number], kFSCatInfoFinderInfo, &info), "FSSetCatalogInfo");
         }
     }
-
-    Folders folders;
-    std::vector<FSRef> refs;
-    FSRef one = refAt(folders.path() + "/one"), two = refAt(folders.path() + "/two");
 };
 
 struct BareRound : Round
 {
-    explicit BareRound(const std::string &disk) : folders(disk) {}
+    explicit BareRound(const Disk &disk) : folders(disk) {}
 
     void rename()
     {
@@ -176,7 +181,22 @@ struct BareRound : Round
     void renameByPath()
     {
         const std::string folder = folders.path() + "/one/";
+        require(std::rename((folder + nameOf(next, isBack)).c_str(), (folder + nameOf(next, !isBack)).c_str()), "rename");
+        advance();
+    }
+
+    void renameByLibrary()
+    {
+        const std::string folder = folders.path() + "/one/";
         std::filesystem::rename(folder + nameOf(next, isBack), folder + nameOf(next, !isBack));
+        advance();
+    }
+
+    void moveByPath()
+    {
+        const std::string name = '/' + nameOf(next, false);
+        const std::string one = folders.path() + "/one" + name, two = folders.path() + "/two" + name;
+        require(std::rename((isBack ? two : one).c_str(), (isBack ? one : two).c_str()), "rename");
         advance();
     }
 
@@ -194,13 +214,24 @@ struct BareRound : Round
         next = (next + 2) % fileCount;
     }
 
+    // As it is done where nobody knows of RENAME_EXCHANGE: for a moment one of the names is not there.
+    void exchangeByRenames()
+    {
+        const std::string folder = folders.path() + "/one/", other = folder + "other";
+        const std::string first = folder + nameOf(next, false), second = folder + nameOf((next + 1) % fileCount, false);
+        require(std::rename(first.c_str(), other.c_str()), "rename");
+        require(std::rename(second.c_str(), first.c_str()), "rename");
+        require(std::rename(other.c_str(), second.c_str()), "rename");
+        next = (next + 2) % fileCount;
+    }
+
     Folders folders;
 };
 
 // The calls that ours makes, in their order: both locks, is it the same, has it a sidecar or attributes, has the new name a sidecar, the step.
 struct ReplayedRound : BareRound
 {
-    explicit ReplayedRound(const std::string &disk) : BareRound(disk)
+    explicit ReplayedRound(const Disk &disk) : BareRound(disk)
     {
         for (const char *name : {"/one", "/two"})
             locks.push_back(open((folders.path() + name).c_str(), O_RDONLY | O_DIRECTORY));
@@ -267,48 +298,73 @@ struct ReplayedRound : BareRound
     std::vector<int> locks;
 };
 
-void addRowsOn(const std::string &disk, const std::string &diskName)
+// Its files are made when it is first used, so that rows that nobody wants cost nothing.
+template <typename Kind>
+class OnFirstUse
 {
-    const auto ours = [&] { return std::make_shared<OurRound>(disk); };
-    const auto bare = [&] { return std::make_shared<BareRound>(disk); };
-    const auto replayed = [&] { return std::make_shared<ReplayedRound>(disk); };
-    const auto typed = [&] {
-        auto round = std::make_shared<OurRound>(disk);
-        round->giveTypes();
-        return round;
-    };
-    addRow(
-        {"rename, " + diskName, "renameat2", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->rename(); });
-    addRow(
-        {"rename, " + diskName, "the same calls", ""}, [mine = ours()] { mine->rename(); }, [their = replayed()] { their->rename(); });
-    addRow(
-        {"rename, " + diskName, "std::filesystem", ""}, [mine = ours()] { mine->rename(); }, [their = bare()] { their->renameByPath(); });
-    addRow(
-        {"move, " + diskName, "renameat2", ""}, [mine = ours()] { mine->move(); }, [their = bare()] { their->move(); });
-    addRow(
-        {"move, " + diskName, "the same calls", ""}, [mine = ours()] { mine->move(); }, [their = replayed()] { their->move(); });
-    addRow(
-        {"exchange, " + diskName, "RENAME_EXCHANGE", "files made at one moment, without metadata"}, [mine = ours()] { mine->exchange(); },
-        [their = bare()] { their->exchange(); });
-    addRow(
-        {"exchange, " + diskName, "the same calls", "the same files"}, [mine = ours()] { mine->exchange(); },
-        [their = replayed()] { their->exchange(); });
-    addRow(
-        {"exchange of files with types, " + diskName, "RENAME_EXCHANGE", "with all metadata kept at their places"},
-        [mine = typed()] { mine->exchange(); }, [their = bare()] { their->exchange(); });
-}
+public:
+    explicit OnFirstUse(const Disk &disk) : disk_(disk) {}
+    Kind *operator->() const
+    {
+        if (!*round_)
+            *round_ = std::make_unique<Kind>(disk_);
+        return round_->get();
+    }
 
-std::string diskFolder()
+private:
+    Disk disk_;
+    std::shared_ptr<std::unique_ptr<Kind>> round_ = std::make_shared<std::unique_ptr<Kind>>();
+};
+
+void addRowsOn(const Disk &disk)
 {
-    const char *chosen = std::getenv("TMPDIR");
-    return chosen ? chosen : "/var/tmp";
+    const std::string &diskName = disk.name;
+    const auto ours = [&] { return OnFirstUse<OurRound>(disk); };
+    const auto bare = [&] { return OnFirstUse<BareRound>(disk); };
+    const auto replayed = [&] { return OnFirstUse<ReplayedRound>(disk); };
+    const auto typed = [&] { return OnFirstUse<OurTypedRound>(disk); };
+    const Aim besideBare{1.05, 0, changesCost}, besideTheSame{1.05, 0, changesCost}, besideExchange{1.1, 0, changesCost};
+    addRow(
+        {"rename, " + diskName, "renameat2", "", TablePlace::floor, besideBare}, [mine = ours()] { mine->rename(); },
+        [their = bare()] { their->rename(); });
+    addRow(
+        {"rename, " + diskName, "rename, by path", "", TablePlace::peer}, [mine = ours()] { mine->rename(); },
+        [their = bare()] { their->renameByPath(); });
+    addRow(
+        {"rename, " + diskName, "std::filesystem", "", TablePlace::peer}, [mine = ours()] { mine->rename(); },
+        [their = bare()] { their->renameByLibrary(); });
+    addRow(
+        {"rename, our own part, " + diskName, "the same calls", "", TablePlace::floor, besideTheSame}, [mine = ours()] { mine->rename(); },
+        [their = replayed()] { their->rename(); });
+    addRow(
+        {"move, " + diskName, "renameat2", "", TablePlace::floor, besideBare}, [mine = ours()] { mine->move(); },
+        [their = bare()] { their->move(); });
+    addRow(
+        {"move, " + diskName, "rename, by path", "", TablePlace::peer}, [mine = ours()] { mine->move(); },
+        [their = bare()] { their->moveByPath(); });
+    addRow(
+        {"move, our own part, " + diskName, "the same calls", "", TablePlace::floor, besideTheSame}, [mine = ours()] { mine->move(); },
+        [their = replayed()] { their->move(); });
+    addRow(
+        {"exchange, " + diskName, "RENAME_EXCHANGE", "files made at one moment, without metadata", TablePlace::floor, besideExchange},
+        [mine = ours()] { mine->exchange(); }, [their = bare()] { their->exchange(); });
+    addRow(
+        {"exchange, " + diskName, "three renames", "", TablePlace::peer}, [mine = ours()] { mine->exchange(); },
+        [their = bare()] { their->exchangeByRenames(); });
+    addRow(
+        {"exchange, our own part, " + diskName, "the same calls", "", TablePlace::floor, besideTheSame},
+        [mine = ours()] { mine->exchange(); }, [their = replayed()] { their->exchange(); });
+    addRow(
+        {"exchange of files with types, " + diskName, "RENAME_EXCHANGE", "with all metadata kept at their places", TablePlace::floor,
+         besideExchange},
+        [mine = typed()] { mine->exchange(); }, [their = bare()] { their->exchange(); });
 }
 
 }   // namespace
 
 int main(int argumentCount, char **arguments)
 {
-    addRowsOn("/dev/shm", "tmpfs");
-    addRowsOn(diskFolder(), "disk");
+    for (const Disk &disk : disksWithRoom(std::size_t{256} << 20))
+        addRowsOn(disk);
     return runRatioTable(argumentCount, arguments);
 }

@@ -91,25 +91,26 @@ void addIntegerRows(const std::string &kind, unsigned bits)
         benchmark::DoNotOptimize(value);
     });
 
-    addRow({"Str, " + kind, "to_chars", ""}, str, inTurn(numbers, [](const Number &number) {
+    addRow({"Str, " + kind, "to_chars", "", TablePlace::floor, {1.1, 0, "Strings"}}, str, inTurn(numbers, [](const Number &number) {
                const char *end = std::to_chars(output + 1, output + 20, static_cast<int>(number.integer)).ptr;
                output[0] = static_cast<char>(end - output - 1);
            }));
-    addRow({"Str, " + kind, "snprintf", ""}, str,
+    addRow({"Str, " + kind, "snprintf", "", TablePlace::peer}, str,
            inTurn(numbers, [](const Number &number) { std::snprintf(output, sizeof output, "%ld", number.integer); }));
-    addRow({"Val, " + kind, "from_chars", ""}, val, inTurn(numbers, [](const Number &number) {
+    addRow({"Val, " + kind, "from_chars", "", TablePlace::floor, {1.1, 0, "Strings"}}, val, inTurn(numbers, [](const Number &number) {
                int value = 0;
                std::from_chars(first(number.decimal), last(number.decimal), value);
                benchmark::DoNotOptimize(value);
            }));
-    addRow({"Val, " + kind, "strtol", ""}, val,
+    addRow({"Val, " + kind, "strtol", "", TablePlace::peer}, val,
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(std::strtol(first(number.decimal), nullptr, 10)); }));
-    addRow({"StringHexToNum, " + kind, "from_chars", ""}, hex, inTurn(numbers, [](const Number &number) {
+    addRow({"StringHexToNum, " + kind, "from_chars", "", TablePlace::floor, {1.1, 0, "Strings"}}, hex,
+           inTurn(numbers, [](const Number &number) {
                unsigned value = 0;
                std::from_chars(first(number.hexadecimal), last(number.hexadecimal), value, 16);
                benchmark::DoNotOptimize(value);
            }));
-    addRow({"StringHexToNum, " + kind, "strtoul", ""}, hex,
+    addRow({"StringHexToNum, " + kind, "strtoul", "", TablePlace::peer}, hex,
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(std::strtoul(first(number.hexadecimal), nullptr, 16)); }));
 }
 
@@ -126,17 +127,18 @@ void addFractionRows()
     addRow({"DoubleToLong", "lround", ""},
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(DoubleToLong(number.value)); }),
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(std::lround(number.value)); }));
-    addRow({"MyDoubleToString, 2 decimals", "to_chars(fixed)", ""}, write, inTurn(numbers, [](const Number &number) {
-               std::to_chars(output + 1, output + 200, number.value, std::chars_format::fixed, 2);
-           }));
-    addRow({"MyDoubleToString, 2 decimals", "snprintf", ""}, write,
+    addRow(
+        {"MyDoubleToString, 2 decimals", "to_chars(fixed)", "", TablePlace::floor, {1.1, 0, "Strings"}}, write,
+        inTurn(numbers, [](const Number &number) { std::to_chars(output + 1, output + 200, number.value, std::chars_format::fixed, 2); }));
+    addRow({"MyDoubleToString, 2 decimals", "snprintf", "", TablePlace::peer}, write,
            inTurn(numbers, [](const Number &number) { std::snprintf(output, sizeof output, "%.2f", number.value); }));
-    addRow({"MyStringToDouble, 2 decimals", "from_chars", ""}, read, inTurn(numbers, [](const Number &number) {
+    addRow({"MyStringToDouble, 2 decimals", "from_chars", "", TablePlace::floor, {1.1, 0, "Strings"}}, read,
+           inTurn(numbers, [](const Number &number) {
                double value = 0;
                std::from_chars(first(number.fraction), last(number.fraction), value);
                benchmark::DoNotOptimize(value);
            }));
-    addRow({"MyStringToDouble, 2 decimals", "strtod", ""}, read,
+    addRow({"MyStringToDouble, 2 decimals", "strtod", "", TablePlace::peer}, read,
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(std::strtod(first(number.fraction), nullptr)); }));
     addRow({"Valc", "isdigit", ""},
            inTurn(numbers, [](const Number &number) { benchmark::DoNotOptimize(Valc(static_cast<char>(number.hexadecimal[1]))); }),

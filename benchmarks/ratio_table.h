@@ -1,20 +1,32 @@
 // Ours beside theirs: measured in turns, a few microseconds each, so that whatever else the machine does falls on both.
-// The middle one of all the turns' ratios makes one row of a table.
+// The middle one of all the turns' ratios makes one row of a table. Rows of the one table of `./bench` have a place in it, too.
 
 #pragma once
 
+#include "benchmarks/operations.h"
+
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
+// What a row's other side is in the one table: a row of it has all rows here of the same name together.
+enum class TablePlace
+{
+    none,
+    floor,   // such a row has the aim
+    peer,
+};
+
 struct RatioRow
 {
-    std::string name;     // what is done
-    std::string theirs;   // what does the same without us
-    std::string note;     // what a reader has to know about this row, such as why it cannot be faster
+    std::string name;        // what is done
+    std::string theirs;      // what does the same without us
+    std::string note = "";   // what a reader has to know about this row, such as why it cannot be faster
+    TablePlace place = TablePlace::none;
+    Aim aim = {};
 };
 
 // Nanoseconds for one call, turn by turn.
@@ -26,32 +38,23 @@ struct TurnTimes
     void report(benchmark::State &state) const;
 };
 
-// How long one of so many calls takes.
-template <typename Work>
-double nanosecondsFor(Work &work, std::size_t calls)
-{
-    const auto start = std::chrono::steady_clock::now();
-    for (std::size_t call = 0; call < calls; ++call)
-    {
-        work();
-        benchmark::ClobberMemory();
-    }
-    const std::chrono::duration<double, std::nano> passed = std::chrono::steady_clock::now() - start;
-    return passed.count() / static_cast<double>(calls);
-}
-
-// As many calls as take some ten microseconds.
-template <typename Work>
-std::size_t callsForATurn(Work &work)
-{
-    std::size_t calls = 16;
-    while (calls < 1'000'000 && nanosecondsFor(work, calls) * static_cast<double>(calls) < 10'000)
-        calls *= 2;
-    return calls;
-}
-
 // Makes the row known to the table, and gives the name it has there.
 const std::string &rememberRow(const RatioRow &row);
+
+// Does something so many times.
+using RepeatedWork = std::function<void(std::size_t times)>;
+
+template <typename Work>
+RepeatedWork repeated(Work work)
+{
+    return [work](std::size_t times) mutable {
+        for (std::size_t call = 0; call < times; ++call)
+        {
+            work();
+            benchmark::ClobberMemory();
+        }
+    };
+}
 
 // Theirs stands in a function of its own, as ours does: a program that has such strings would write one.
 template <typename Work>
@@ -60,25 +63,14 @@ template <typename Work>
     work();
 }
 
+void addRepeatedRow(const RatioRow &row, const RepeatedWork &ours, const RepeatedWork &theirs);
+
 // Registers a row. Both functions do the work once each time they are called.
 template <typename Ours, typename Theirs>
 void addRow(const RatioRow &row, Ours ours, Theirs theirs)
 {
-    constexpr int turns = 1000;
-    const auto measure = [ours, theirs](benchmark::State &state) mutable {
-        const auto theirFunction = [&theirs] { callAsFunction(theirs); };
-        const std::size_t ourCalls = callsForATurn(ours), theirCalls = callsForATurn(theirFunction);
-        TurnTimes times;
-        for (auto turn : state)
-        {
-            (void)turn;
-            times.ours.push_back(nanosecondsFor(ours, ourCalls));
-            times.theirs.push_back(nanosecondsFor(theirFunction, theirCalls));
-        }
-        times.report(state);
-    };
-    benchmark::RegisterBenchmark(rememberRow(row).c_str(), measure)->Iterations(turns);
+    addRepeatedRow(row, repeated(ours), repeated([theirs]() mutable { callAsFunction(theirs); }));
 }
 
-// Measures every row and prints the table. Takes the options of Google Benchmark, such as --benchmark_filter=Posn.
+// Measures every row and prints the table. Takes the options of Google Benchmark, such as --benchmark_filter=Posn; or --operations, see operations.h.
 int runRatioTable(int argumentCount, char **arguments);

@@ -15,13 +15,6 @@
 namespace
 {
 
-struct Turn
-{
-    double passed = 0, processor = 0;   // nanoseconds
-    double calls = 0;                   // of the stand-in
-    long objects = 0;
-};
-
 double nanosecondsOf(const timeval &time)
 {
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_usec) * 1e3;
@@ -55,13 +48,6 @@ Turn measuredTurn(const Way &way)
     return turn;
 }
 
-double median(std::vector<double> numbers)
-{
-    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
-    std::nth_element(numbers.begin(), middle, numbers.end());
-    return *middle;
-}
-
 template <typename Number>
 double medianOf(const std::vector<Turn> &turns, Number number)
 {
@@ -69,34 +55,6 @@ double medianOf(const std::vector<Turn> &turns, Number number)
     for (const Turn &turn : turns)
         numbers.push_back(number(turn));
     return median(numbers);
-}
-
-double medianRatio(const std::vector<Turn> &ours, const std::vector<Turn> &theirs, double Turn::*time)
-{
-    std::vector<double> ratios;
-    for (std::size_t round = 0; round < ours.size(); ++round)
-        ratios.push_back(ours[round].*time / (theirs[round].*time));
-    return median(ratios);
-}
-
-// One list of turns for each way, ours first. In each round another way begins.
-std::vector<std::vector<Turn>> measuredRounds(const Job &job)
-{
-    std::vector<const Way *> ways{&job.ours};
-    for (const Way &other : job.others)
-        ways.push_back(&other);
-    std::vector<std::vector<Turn>> turns(ways.size());
-    for (int round = 0; round < job.rounds; ++round)
-    {
-        for (std::size_t place = 0; place < ways.size(); ++place)
-        {
-            const std::size_t chosen = (place + static_cast<std::size_t>(round)) % ways.size();
-            if (job.mayRepeat)
-                measuredTurn(*ways[chosen]);   // what ran before must not tell
-            turns[chosen].push_back(measuredTurn(*ways[chosen]));
-        }
-    }
-    return turns;
 }
 
 void requireSameCounts(const Job &job, const std::vector<std::vector<Turn>> &turns)
@@ -120,10 +78,46 @@ void printHeadOnce()
 
 }   // namespace
 
+double median(std::vector<double> numbers)
+{
+    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
+    std::nth_element(numbers.begin(), middle, numbers.end());
+    return *middle;
+}
+
+double medianRatio(const std::vector<Turn> &ours, const std::vector<Turn> &theirs, double Turn::*time)
+{
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < ours.size(); ++round)
+        ratios.push_back(ours[round].*time / (theirs[round].*time));
+    return median(ratios);
+}
+
+// In each round another way begins, and every second one goes backwards.
+std::vector<std::vector<Turn>> measuredRounds(const Job &job)
+{
+    std::vector<const Way *> ways{&job.ours};
+    for (const Way &other : job.others)
+        ways.push_back(&other);
+    std::vector<std::vector<Turn>> turns(ways.size());
+    for (int round = 0; round < job.rounds; ++round)
+    {
+        for (std::size_t place = 0; place < ways.size(); ++place)
+        {
+            const std::size_t turned = (place + static_cast<std::size_t>(round)) % ways.size();
+            const std::size_t chosen = round % 2 == 0 ? turned : ways.size() - 1 - turned;
+            if (job.mayRepeat)
+                measuredTurn(*ways[chosen]);   // what ran before must not tell
+            turns[chosen].push_back(measuredTurn(*ways[chosen]));
+        }
+    }
+    requireSameCounts(job, turns);
+    return turns;
+}
+
 void measureJob(const Job &job)
 {
     const auto turns = measuredRounds(job);
-    requireSameCounts(job, turns);
     printHeadOnce();
     const auto objects = static_cast<double>(turns[0][0].objects);
     const auto passed = [objects](const Turn &turn) { return turn.passed / objects; };

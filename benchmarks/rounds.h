@@ -3,6 +3,8 @@
 // says more on a machine that has other things to do.
 #pragma once
 
+#include "benchmarks/system_calls.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,6 +14,7 @@ struct Way
     std::string name;
     std::function<long()> work;               // gives how many objects it met
     std::function<void()> before = nullptr;   // not measured
+    Counted counted = Counted::everything;
 };
 
 struct Job
@@ -23,7 +26,21 @@ struct Job
     bool mayRepeat = true;   // else each turn finds what it works on only once: there is no turn to warm up with
 };
 
-// Measures a job and prints a line for each other way. Ways that met different numbers of objects end the program.
+struct Turn
+{
+    double passed = 0, processor = 0;   // nanoseconds
+    double calls = 0;                   // of the stand-in
+    long objects = 0;
+};
+
+double median(std::vector<double> numbers);
+
+// One list of turns for each way, ours first. Ways that met different numbers of objects end the program.
+std::vector<std::vector<Turn>> measuredRounds(const Job &job);
+
+double medianRatio(const std::vector<Turn> &ours, const std::vector<Turn> &theirs, double Turn::*time);
+
+// Measures a job and prints a line for each other way.
 void measureJob(const Job &job);
 
 // Whether a job is wanted, by the program's argument: a part of its name.

@@ -63,6 +63,17 @@ std::string named(const char *function, std::size_t size)
     return std::string(function) + ", " + std::to_string(size) + " bytes";
 }
 
+// A row that is in the one table unless its size is 128, which tells no more than its neighbours.
+RatioRow floorRow(const std::string &function, std::size_t size, const char *theirs, double limit)
+{
+    return {named(function.c_str(), size), theirs, "", size == 128 ? TablePlace::none : TablePlace::floor, {limit, 0, "Strings"}};
+}
+
+double copyingLimit(std::size_t size)
+{
+    return size < 16 ? 0.9 : 1.1;
+}
+
 void addCopyingRows(std::size_t size)
 {
     const TextPointer source = textOf(letters(size)), destination = textOf("");
@@ -84,7 +95,7 @@ void addCopyingRows(std::size_t size)
             to[length] = 0;
         });
     addRow(
-        {named("Copy", size), "memcpy", ""}, [=] { Copy(to, from); }, [=] { std::memcpy(to, from, lengthOf(from) + 1); });
+        floorRow("Copy", size, "memcpy", copyingLimit(size)), [=] { Copy(to, from); }, [=] { std::memcpy(to, from, lengthOf(from) + 1); });
     addRow(
         {named("Copyn", size), "memcpy", ""}, [=] { Copyn(to, from, static_cast<short>(size)); },
         [=] {
@@ -93,7 +104,7 @@ void addCopyingRows(std::size_t size)
             to[0] = static_cast<unsigned char>(length);
         });
     addRow(
-        {named("Concat", size), "memcpy", ""},
+        floorRow("Concat", size, "memcpy", copyingLimit(size)),
         [=] {
             to[0] = 5;
             Concat(to, from);
@@ -114,16 +125,20 @@ void addCopyingRows(std::size_t size)
 
 void addComparingRows(std::size_t size)
 {
-    const TextPointer first = textOf(letters(size)), second = textOf(letters(size)), digits = textOf(std::string(size, '7'));
-    unsigned char *a = first->data(), *b = second->data(), *number = digits->data();
-    const auto keep = [first, second, digits] {};
+    const TextPointer first = textOf(letters(size)), second = textOf(letters(size)), third = textOf('z' + letters(size - 1)),
+                      digits = textOf(std::string(size, '7'));
+    unsigned char *a = first->data(), *b = second->data(), *differing = third->data(), *number = digits->data();
+    const auto keep = [first, second, third, digits] {};
 
     addRow(
-        {named("Comp, equal", size), "memcmp", ""}, [=] { (void)keep, benchmark::DoNotOptimize(Comp(a, b)); },
+        floorRow("Comp, equal", size, "memcmp", 1.05), [=] { (void)keep, benchmark::DoNotOptimize(Comp(a, b)); },
         [=] { benchmark::DoNotOptimize(a[0] == b[0] && std::memcmp(a + 1, b + 1, lengthOf(a)) == 0); });
     addRow(
-        {named("Pos, absent", size), "memchr", ""}, [=] { benchmark::DoNotOptimize(Pos('z', a)); },
+        floorRow("Pos, absent", size, "memchr", 1.1), [=] { benchmark::DoNotOptimize(Pos('z', a)); },
         [=] { benchmark::DoNotOptimize(std::memchr(a + 1, 'z', lengthOf(a))); });
+    addRow(
+        floorRow("Comp, first differs", size, "memcmp", 0.6), [=] { benchmark::DoNotOptimize(Comp(a, differing)); },
+        [=] { benchmark::DoNotOptimize(a[0] == differing[0] && std::memcmp(a + 1, differing + 1, lengthOf(a)) == 0); });
     addRow(
         {named("AllisNum", size), "find_first_not_of", ""}, [=] { benchmark::DoNotOptimize(AllisNum(number)); },
         [=] { benchmark::DoNotOptimize(charactersOf(number).find_first_not_of("0123456789")); });
@@ -150,11 +165,14 @@ void addSearchingRows(std::size_t size)
         const TextPointer shared = textOf(needle.substr(1) + "z");
         unsigned char *pattern = shared->data();
         const std::string name = "Posn, " + std::to_string(needle.size()) + " in";
+        const bool isInTable = size == 255 && needle.size() > 1;
         addRow(
-            {named(name.c_str(), size), "memmem", ""}, [=] { (void)keep, (void)shared, benchmark::DoNotOptimize(Posn(pattern, text)); },
+            {named(name.c_str(), size), "memmem", "", isInTable ? TablePlace::floor : TablePlace::none, {0.6, 0.6, "Strings"}},
+            [=] { (void)keep, (void)shared, benchmark::DoNotOptimize(Posn(pattern, text)); },
             [=] { benchmark::DoNotOptimize(memmem(text + 1, lengthOf(text), pattern + 1, lengthOf(pattern))); });
         addRow(
-            {named(name.c_str(), size), "string_view::find", ""}, [=] { benchmark::DoNotOptimize(Posn(pattern, text)); },
+            {named(name.c_str(), size), "string_view::find", "", isInTable ? TablePlace::peer : TablePlace::none},
+            [=] { benchmark::DoNotOptimize(Posn(pattern, text)); },
             [=] { benchmark::DoNotOptimize(charactersOf(text).find(charactersOf(pattern))); });
         if (needle.size() == 4)
         {
@@ -163,6 +181,18 @@ void addSearchingRows(std::size_t size)
                 [=] { benchmark::DoNotOptimize(charactersOf(text).find(charactersOf(pattern), 2)); });
         }
     }
+}
+
+// The needle is in nowhere, and nearly everywhere.
+void addHardSearchRow()
+{
+    const TextPointer haystack = textOf(std::string(255, 'a')), needle = textOf(std::string(16, 'a') + 'b' + std::string(15, 'a'));
+    unsigned char *text = haystack->data(), *pattern = needle->data();
+    const auto keep = [haystack, needle] {};
+    addRow(
+        {"Posn, hard, 32 in 255 bytes", "memmem", "", TablePlace::floor, {1.0, 0, "Strings"}},
+        [=] { (void)keep, benchmark::DoNotOptimize(Posn(pattern, text)); },
+        [=] { benchmark::DoNotOptimize(memmem(text + 1, lengthOf(text), pattern + 1, lengthOf(pattern))); });
 }
 
 // What the platform takes for measuring is in both.
@@ -199,6 +229,7 @@ int main(int argumentCount, char **arguments)
         for (const int size : sizes)
             addRows(static_cast<std::size_t>(size));
     }
+    addHardSearchRow();
     addNumberRows();
     return runRatioTable(argumentCount, arguments);
 }

@@ -1,56 +1,20 @@
 // Walking trees, listing folders and deleting trees, beside the bare system calls and what else does the same: `./bench`, or this program itself, with a part
 // of a row's name to see only some.
 //
-// The trees lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp, whatever disk that is.
+// The trees lie beneath /dev/shm (tmpfs) and beneath $TMPDIR or /var/tmp (work_folder.h).
 
 #include "benchmarks/bare_walks.h"
-#include "benchmarks/rounds.h"
+#include "benchmarks/operations.h"
+#include "benchmarks/work_folder.h"
 #include "files/containers.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
-#include <stdexcept>
-#include <unistd.h>
 
 namespace
 {
 
 constexpr FSCatalogInfoBitmap datesAndSizes = kFSCatInfoContentMod | kFSCatInfoAttrMod | kFSCatInfoAccessDate | kFSCatInfoDataSizes;
-
-void require(OSStatus result, const char *what)
-{
-    if (result == noErr)
-        return;
-    std::fprintf(stderr, "%s: %d\n", what, static_cast<int>(result));
-    std::exit(1);
-}
-
-FSRef refAt(const std::string &path)
-{
-    FSRef ref;
-    require(FSPathMakeRef(reinterpret_cast<const UInt8 *>(path.c_str()), &ref, nullptr), path.c_str());
-    return ref;
-}
-
-// Gone with the object.
-class Place
-{
-public:
-    explicit Place(const std::string &disk) : path_(disk + "/zerb-bench-XXXXXX")
-    {
-        if (!mkdtemp(path_.data()))
-            throw std::runtime_error("no folder can be made in " + disk);
-    }
-    ~Place() { std::filesystem::remove_all(path_); }
-    Place(const Place &) = delete;
-    Place &operator=(const Place &) = delete;
-    std::string operator/(const std::string &name) const { return path_ + '/' + name; }
-
-private:
-    std::string path_;
-};
 
 // --- ours -------------------------------------------------------------------------------------------------------------------------------
 
@@ -79,11 +43,6 @@ long listOurs(const FSRef &folder)
 
 // --- jobs -------------------------------------------------------------------------------------------------------------------------------
 
-struct Disk
-{
-    std::string folder, name;
-};
-
 std::string nameSuffix(std::size_t length)
 {
     return length == 0 ? "" : ", names of " + std::to_string(length);
@@ -99,7 +58,7 @@ void measureWalks(const Disk &disk, const TreeShape &shape, const std::string &f
     Job status{"walk, dates and sizes" + suffix, {"", ofOurs(&top, datesAndSizes)}, {}};
     if (!isWanted(flags, filter) && !isWanted(status, filter))
         return;
-    const Place place(disk.folder);
+    const WorkFolder place(disk);
     path = place / "tree";
     makeTree(path, shape);
     top = refAt(path);
@@ -124,7 +83,7 @@ void measureListing(const Disk &disk, int files, const std::string &filter)
     Job job{"listing of " + std::to_string(files) + ", " + disk.name, {"", [&] { return listOurs(folder); }}, {}};
     if (!isWanted(job, filter))
         return;
-    const Place place(disk.folder);
+    const WorkFolder place(disk);
     const std::string path = place / "folder";
     makeTree(path, {0, files});
     folder = refAt(path);
@@ -136,7 +95,7 @@ void measureListing(const Disk &disk, int files, const std::string &filter)
 class TreesToDelete
 {
 public:
-    TreesToDelete(const Disk &disk, const TreeShape &shape, int count) : place_(disk.folder)
+    TreesToDelete(const Disk &disk, const TreeShape &shape, int count) : place_(disk)
     {
         for (int tree = 0; tree < count; ++tree)
             makeTree(pathOf(tree), shape);
@@ -151,7 +110,7 @@ public:
 
 private:
     std::string pathOf(int tree) const { return place_ / ("tree" + std::to_string(tree)); }
-    Place place_;
+    WorkFolder place_;
     int next_ = 0;
 };
 
@@ -189,17 +148,142 @@ void measureOn(const Disk &disk, const std::string &filter)
         measureDeletion(disk, {500, 10, nameLength}, filter);
 }
 
-std::string diskFolder()
+// --- rows of the one table --------------------------------------------------------------------------------------------------------------
+
+// A walk that asks for so much of each object, of a tree that `top` names by then.
+Way ourWalk(const FSRef &top, FSCatalogInfoBitmap which)
 {
-    const char *chosen = std::getenv("TMPDIR");
-    return chosen ? chosen : "/var/tmp";
+    return {"", [&top, which] { return walkOurs(top, which); }};
+}
+
+void operateWalks(const Disk &disk)
+{
+    const std::string names = "walk, names and types, " + disk.name, status = "walk, with a status each, " + disk.name;
+    if (!isOperationWanted(names) && !isOperationWanted(status))
+        return;
+    const WorkFolder place(disk);
+    const std::string path = place / "tree";
+    makeTree(path, {5000, 10});
+    const FSRef top = refAt(path);
+    const Way bfs = commandWay("bfs", {"bfs", path, "-type", "d"}, walkBare(path));
+    if (isOperationWanted(names))
+        measureOperation({{names,
+                           ourWalk(top, kFSCatInfoNodeFlags),
+                           {{"getdents64", [&] { return walkBare(path); }},
+                            bfs,
+                            {"fts", [&] { return walkByFtsWithoutFolders(path); }},
+                            {"std::filesystem", [&] { return walkByLibrary(path); }}}},
+                          {1.2, 0, "Walks"}});
+    if (isOperationWanted(status))
+        measureOperation({{status,
+                           ourWalk(top, datesAndSizes),
+                           {{"getdents64, statx", [&] { return walkBareWithStatus(path); }},
+                            {"nftw", [&] { return walkByNftw(path); }},
+                            {"fts", [&] { return walkByFtsWithStatus(path); }}}},
+                          {1.03, 0, "Walks"}});
+}
+
+// One in so many files gets a resource fork, and thereby a sidecar.
+void giveSidecars(const std::string &tree, int folders, int files, int step)
+{
+    HFSUniStr255 name;
+    require(FSGetResourceForkName(&name), "FSGetResourceForkName");
+    for (int number = 0; number < folders * files; number += step)
+    {
+        const FSRef file = refAt(tree + "/folder" + std::to_string(number / files) + "/file" + std::to_string(number % files));
+        SInt16 fork = 0;
+        require(FSOpenFork(&file, name.length, name.unicode, fsRdWrPerm, &fork), "FSOpenFork");
+        require(FSWriteFork(fork, fsAtMark, 0, 4, "fork", nullptr), "FSWriteFork");
+        require(FSCloseFork(fork), "FSCloseFork");
+    }
+}
+
+void operateWalkWithMetadata(const Disk &disk, int step, const char *share, double limit)
+{
+    const std::string name = std::string("walk, all metadata, ") + share + " with a sidecar, " + disk.name;
+    if (!isOperationWanted(name))
+        return;
+    constexpr int folders = 2000, files = 10;
+    const WorkFolder place(disk);
+    const std::string path = place / "tree";
+    makeTree(path, {folders, files});
+    if (step > 0)
+        giveSidecars(path, folders, files, step);
+    const FSRef top = refAt(path);
+    measureOperation({{name,
+                       ourWalk(top, datesAndSizes | kFSCatInfoRsrcSizes | kFSCatInfoFinderInfo),
+                       {{"getdents64, statx", [&] { return walkBareWithStatus(path); }},
+                        {"a look for each sidecar", [&] { return walkAndProbe(path); }}}},
+                      {limit, 0, "Walks"},
+                      "no peer knows sidecars: the one shown opens ._NAME for each object"});
+}
+
+void operateListing(const Disk &disk, int files, int rounds, const Aim &aim)
+{
+    const std::string name = "listing of " + std::to_string(files) + " into references, " + disk.name;
+    if (!isOperationWanted(name))
+        return;
+    const WorkFolder place(disk);
+    const std::string path = place / "folder";
+    makeTree(path, {0, files});
+    const FSRef folder = refAt(path);
+    measureOperation({{name,
+                       {"", [&] { return listOurs(folder); }},
+                       {{"getdents64", [&] { return listBare(path); }}, {"readdir into strings", [&] { return listByReaddir(path); }}},
+                       rounds},
+                      aim});
+}
+
+void operateDeletion(const Disk &disk)
+{
+    const std::string name = "deletion of a tree, " + disk.name;
+    if (!isOperationWanted(name))
+        return;
+    const TreeShape shape{500, 10};
+    const long objects = shape.folders * (shape.files + 1L);
+    std::unique_ptr<TreesToDelete> trees;
+    const auto advance = [&] { trees->advance(); };
+    const auto ours = [&] {
+        require(FSDeleteContainer(&trees->top), "FSDeleteContainer");
+        return objects;
+    };
+    const auto rm = [&] {
+        runCommand({"rm", "-rf", trees->path});
+        return objects;
+    };
+    Job job{name,
+            {"", ours, advance},
+            {{"getdents64, unlinkat", [&] { return deleteBare(trees->path); }, advance},
+             {"rm -rf", rm, advance, Counted::commandsOnly},
+             {"std::filesystem", [&] { return deleteByLibrary(trees->path); }, advance},
+             {"fts, unlinkat", [&] { return deleteByFts(trees->path); }, advance}},
+            5,
+            false};
+    const int counted = 2;
+    trees = std::make_unique<TreesToDelete>(disk, shape, job.rounds * static_cast<int>(1 + job.others.size()) + counted);
+    measureOperation({job, {1.05, 0, "Deletion"}});
+}
+
+void operateOn(const Disk &disk)
+{
+    operateWalks(disk);
+    operateWalkWithMetadata(disk, 0, "none", 1.08);
+    operateWalkWithMetadata(disk, 5, "one in five", 1.3);
+    operateListing(disk, 1'000, 101, {1.3, 0, "Listings"});
+    operateListing(disk, 10'000, 31, {1.3, 0.97, "Listings"});
+    operateListing(disk, 100'000, 11, {1.3, 0.97, "Listings"});
+    operateListing(disk, 1'000'000, 5, {1.3, 0.85, "Listings"});
 }
 
 }   // namespace
 
 int main(int argumentCount, char **arguments)
 {
+    const bool isForTable = areOperationsWanted(argumentCount, arguments);
     const std::string filter = argumentCount > 1 ? arguments[1] : "";
-    measureOn({"/dev/shm", "tmpfs"}, filter);
-    measureOn({diskFolder(), "disk"}, filter);
+    for (const Disk &disk : disksWithRoom(std::size_t{1} << 30))
+        isForTable ? operateOn(disk) : measureOn(disk, filter);
+    if (isForTable)
+        for (const Disk &disk : disksWithRoom(std::size_t{1} << 30))
+            operateDeletion(disk);
 }
