@@ -3,7 +3,7 @@
 // Before the first step both files get a journal that says where they go and what metadata that place has. Two files without sidecars then change places in
 // one step. Else the first makes room under a temporary name, the second takes its place, and the first goes where the second was, each with its sidecar.
 //
-// Where the one step is all there is to do, a journal would say nothing: neither place has metadata of its own, and there are no file IDs to keep up.
+// Where the one step is all there is to do, a journal would say nothing: neither place has metadata of its own, and neither file an ID.
 #include "platform/platform.h"
 #include "standin/files/changes.h"
 #include "standin/files/errors.h"
@@ -133,7 +133,7 @@ bool changePlacesAtOnce(const Side &first, const Side &second)
 bool needJournals(const Side &first, const Side &second)
 {
     return !changePlacesAtOnce(first, second) || changesMetadata(first.known.attributes, second.metadata) ||
-           changesMetadata(second.known.attributes, first.metadata) || mayHaveFileIDs();
+           changesMetadata(second.known.attributes, first.metadata);
 }
 
 OSErr placeOf(const Object &object, ExchangePlace &place)
@@ -282,7 +282,8 @@ OSErr exchangeLocked(Side &first, Side &second)
         return result;
     if (OSErr result = makePlaceMetadata(second.object, second.known, first.object, second.metadata, second.room))
         return result;
-    bool haveJournals = needJournals(first, second);
+    const bool mayHaveID = mayHaveFileID(*first.object.volume, first.object.identity(), second.object.identity());
+    bool haveJournals = mayHaveID || needJournals(first, second);
     if (OSErr result = haveJournals ? writeJournals(first, second) : static_cast<OSErr>(noErr))
         return result;
     if (getsOtherStatus(first, second))
@@ -302,7 +303,8 @@ OSErr exchangeLocked(Side &first, Side &second)
         noteMoved(first.object, first.object.parentID, first.object.name);
         noteMoved(second.object, second.object.parentID, second.object.name);
     }
-    noteExchangeForFileIDs(first.object.volume, first.object.identity(), second.object.identity());
+    if (mayHaveID)
+        noteExchangeForFileIDs(first.object.volume, first.object.identity(), second.object.identity());
     const OSErr firstResult = settle(first, second, haveJournals), secondResult = settle(second, first, haveJournals);
     return firstResult != noErr ? firstResult : secondResult;
 }

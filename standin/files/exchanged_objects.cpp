@@ -4,6 +4,7 @@
 #include <deque>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 
 namespace standin
 {
@@ -94,11 +95,10 @@ bool isOfAnotherBirth(const ReferenceFields &fields, const Successor &successor)
 void noteExchanged(const Identity &first, const Identity &second)
 {
     const std::lock_guard lock(table().mutex);
-    const UInt16 firstCount = countOf(first), secondCount = countOf(second);
-    table().counts[{first.device, first.inode, 0}] = next(firstCount);
-    table().counts[{second.device, second.inode, 0}] = next(secondCount);
-    note(first, firstCount, second, next(secondCount));
-    note(second, secondCount, first, next(firstCount));
+    UInt16 &firstCount = table().counts[{first.device, first.inode, 0}], &secondCount = table().counts[{second.device, second.inode, 0}];
+    const UInt16 firstBefore = std::exchange(firstCount, next(firstCount)), secondBefore = std::exchange(secondCount, next(secondCount));
+    note(first, firstBefore, second, next(secondBefore));
+    note(second, secondBefore, first, next(firstBefore));
     anyExchanges = true;
 }
 
@@ -114,24 +114,24 @@ bool followExchanges(ReferenceFields &fields)
 {
     if (!anyExchanges.load(std::memory_order_acquire))
         return false;
-    bool changed = false;
     const std::lock_guard lock(table().mutex);
-    const Phase start{fields.device, fields.inode, fields.exchanges};
+    const auto successorOf = [&] { return table().successors.find({fields.device, fields.inode, fields.exchanges}); };
+    const auto start = successorOf(), none = table().successors.end();
     const Birth startBirth = fields.timeIsBirth ? fields.time : 0;
-    for (std::size_t steps = 0; steps < mostPhases; ++steps)
+    bool changed = false;
+    auto found = start;
+    for (std::size_t steps = 0; steps < mostPhases && found != none && !isOfAnotherBirth(fields, found->second); ++steps)
     {
-        const auto found = table().successors.find({fields.device, fields.inode, fields.exchanges});
-        if (found == table().successors.end() || isOfAnotherBirth(fields, found->second))
-            break;
         fields.inode = found->second.now.inode;
         fields.device = found->second.now.device;
         fields.time = found->second.now.birth;
         fields.timeIsBirth = found->second.now.birth != 0;
         fields.exchanges = found->second.exchanges;
         changed = true;
+        found = successorOf();
     }
     if (changed)   // the next time it is one step
-        table().successors.insert_or_assign(start, Successor{startBirth, {fields.device, fields.inode, fields.time}, fields.exchanges});
+        start->second = {startBirth, {fields.device, fields.inode, fields.time}, fields.exchanges};
     return changed;
 }
 

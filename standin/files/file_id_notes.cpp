@@ -229,14 +229,29 @@ void noteArrival(const Object &object, std::uint64_t partner)
 
 }   // namespace
 
-bool mayHaveFileIDs()
+bool mayHaveFileID(const Volume &volume, const Identity &first, const Identity &second)
 {
-    return !databaseWasMissing();
+    if (databaseWasMissing())
+        return false;
+    Database database(patienceOfNotes);
+    OSErr result = database.open(DatabaseUse::reading);
+    if (result != noErr)
+        return result != fidNotFound;
+    writeNotesForFileIDs(database, patienceOfNotes);
+    if (notesWait())
+        return true;
+    RowNumber volumeRow = 0;
+    std::vector<StoredFile> files;
+    result = findVolumeRow(storedIdentityOf(volume), volumeRow);
+    for (const Identity *each : {&first, &second})
+        if (result == noErr && files.empty())
+            result = findFileRowsByIdentity(volumeRow, storedIdentityOf(volume, *each), files);
+    return !files.empty() || (result != noErr && result != fidNotFound);
 }
 
 void noteMoveForFileIDs(const Object &object, UInt32 newParentID, const std::string &newName)
 {
-    if (!mayHaveFileIDs())
+    if (databaseWasMissing())
         return;
     PlaceNote note;
     note.kind = object.isFolder() ? NoteKind::folderMoved : NoteKind::fileMoved;

@@ -16,8 +16,8 @@ namespace standin
 
 class Database;
 
-// False if this user had no file IDs at all a moment ago.
-bool mayHaveFileIDs();
+// False if it is sure that neither of two files has an ID. As an ID is given with the folder's lock held, it stays so as long as the caller holds that.
+bool mayHaveFileID(const Volume &volume, const Identity &first, const Identity &second);
 
 // This process gave an object another place: `object` is as it was before.
 void noteMoveForFileIDs(const Object &object, UInt32 newParentID, const std::string &newName);

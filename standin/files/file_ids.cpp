@@ -1,6 +1,7 @@
 // File IDs: numbers by which a file is found again, also by another process and after it was renamed or moved.
 #include "platform/platform.h"
 #include "standin/files/block_lookup.h"
+#include "standin/files/changes.h"
 #include "standin/files/exchange_finishing.h"
 #include "standin/files/file_id_database.h"
 #include "standin/files/file_id_notes.h"
@@ -111,6 +112,11 @@ OSErr createID(FIDParam &block)
         return result;
     if (object.isFolder())
         return notAFileErr;
+    // Who exchanges the file looks for its IDs under this lock, and if there are none writes nothing that would lead them back were it killed.
+    const FSRef reference = makeReference(object);
+    ChangeLock lock(LockedFor::looking);
+    if (OSErr result = findAndLock(&reference, object, lock))
+        return result;
     Database database(patienceOfCalls);
     DatabaseTransaction transaction;
     NewID wanted{object, 0, 0, storedIdentityOf(*object.volume, object.identity()), 0};

@@ -1,4 +1,5 @@
 // What an exchange of two files costs, in system calls, and what its shortest way must not lose.
+#include "tests/standin/file_id_calls.h"
 #include "tests/standin/test_volume.h"
 
 #include "standin/files/linux_calls.h"
@@ -148,6 +149,64 @@ TEST_P(ExchangeCosts, ModeAndAccessDateStayWithoutAnyMetadata)
 }
 
 int journalsSeen = 0;
+
+int countJournals(const char *call)
+{
+    journalsSeen += std::string_view(call) == "setAttribute";
+    return 0;
+}
+
+class ExchangeCostsBesideIDs : public ExchangeCosts
+{
+protected:
+    void SetUp() override
+    {
+        ExchangeCosts::SetUp();
+        if (IsSkipped())
+            return;
+        standin::useStateFolder(state_.path());
+        ASSERT_EQ(makeID(makeFile("with an ID")).result, noErr);
+    }
+
+    // What one exchange sets of attributes.
+    int journalsOf(const FSRef &first, const FSRef &second)
+    {
+        journalsSeen = 0;
+        standin::linux_calls::setCallFilter(countJournals);
+        EXPECT_EQ(FSExchangeObjects(&first, &second), noErr);
+        standin::linux_calls::setCallFilter(nullptr);
+        return journalsSeen;
+    }
+
+private:
+    TemporaryFolder state_;
+};
+
+// The database is looked for, and the disk asked for its number, before the step alone; what SQLite calls is not counted here.
+TEST_P(ExchangeCostsBesideIDs, FilesWithoutIDsTakeElevenCallsAndNoJournal)
+{
+    FSRef first{}, second{};
+    if (!makeTwins(first, second))
+        GTEST_SKIP() << "no two files have one creation date here";
+    EXPECT_LE(callsOf("exchanging two files without IDs while others have some", first, second), 11u);
+    EXPECT_EQ(journalsOf(first, second), 0);
+}
+
+TEST_P(ExchangeCostsBesideIDs, OneFileWithAnIDIsEnoughForJournals)
+{
+    FSRef first{}, second{};
+    if (!makeTwins(first, second))
+        GTEST_SKIP() << "no two files have one creation date here";
+    const NewFileID made = makeID(second);
+    ASSERT_EQ(made.result, noErr);
+    for (int turn = 0; turn < 2; ++turn)
+    {
+        EXPECT_GE(journalsOf(first, second), 2) << turn;
+        EXPECT_EQ(pathOfID(specOf(first).vRefNum, made.id), folder() / "second") << turn;
+    }
+}
+
+ON_EVERY_DISK(ExchangeCostsBesideIDs);
 
 int refuseTheOneStep(const char *call)
 {

@@ -3,9 +3,12 @@
 #include "tests/standin/processes.h"
 
 #include "standin/files/exchange_journal.h"
+#include "standin/files/linux_calls.h"
 
 #include <cstdio>
+#include <fcntl.h>
 #include <set>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -301,6 +304,35 @@ TEST_P(FileIDs, NeedNoRightToChangeTheVolume)
     EXPECT_EQ(resolveID(directory, made.id).name, "Letter");
     EXPECT_EQ(pictureOf(folder().path()), before) << "nothing is written to the file";
     ASSERT_EQ(standin::removeDirectoryVolume(directory), noErr);
+}
+
+int lockedFolder = -1;
+std::string locksSeen;   // while a call that only giving an ID makes went on
+
+int tryTheLock(const char *call)
+{
+    if (std::string_view(call) != "diskStatistics")
+        return 0;
+    const bool isFree = ::flock(lockedFolder, LOCK_EX | LOCK_NB) == 0;
+    locksSeen += isFree ? "free " : "held ";
+    if (isFree)
+        ::flock(lockedFolder, LOCK_UN);
+    return 0;
+}
+
+// An exchange looks for IDs with the folder locked, and keeps no journal for their sake where there are none: none may come in between.
+TEST_P(FileIDs, AreGivenWithTheFolderLocked)
+{
+    const FSRef letterRef = refAt(letter());
+    lockedFolder = ::open(folder().path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(lockedFolder, 0);
+    locksSeen.clear();
+    standin::linux_calls::setCallFilter(tryTheLock);
+    const NewFileID made = makeID(letterRef);
+    standin::linux_calls::setCallFilter(nullptr);
+    ::close(lockedFolder);
+    EXPECT_EQ(made.result, noErr);
+    EXPECT_EQ(locksSeen, "held ");
 }
 
 ON_EVERY_DISK(FileIDs);
