@@ -10,6 +10,7 @@ const EnvironmentVariable variables[] = {
     {"ZERB_STARTUP_VOLUME", "a folder that serves as the startup volume; paths begin in it and cannot leave it"},
     {"ZERB_VOLUMES", "folders that serve as further volumes: NAME=FOLDER;NAME=FOLDER..."},
     {"ZERB_DEFAULT_DIRECTORY", "the default directory, as `zerb cd` hands it on"},
+    {"ZERB_STATE_FOLDER", "where file IDs are kept, in place of a folder among the user's own"},
     {"ZERB_PLUGIN", "the plug-in to load, where it is not beside this program"},
     {"NO_COLOR", "if set and not empty, nothing is coloured"},
 };

@@ -103,7 +103,7 @@ Action declareDialog(Arguments &arguments)
         "follow this script of mouse and keys on a screen without a display");
     arguments.text(
         "--screenshot", "FILE", [options](const std::string &typed) { options->request.picture = typed; },
-        "save what the dialog shows when it ends, as PNG");
+        "save what the dialog shows when it ends, as PNG, in the place of a file that is there");
     arguments.json(options->request.json, "one object a line for each thing that happens");
     return [options](Invocation &invocation) { show(invocation, *options); };
 }

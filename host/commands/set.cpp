@@ -117,7 +117,7 @@ Action declareSet(Arguments &arguments)
 
 const Command setCommand = {
     "set",
-    "Change types, creators, flags, dates and locks",
+    "Change types, creators, flags, labels, dates and locks",
     "Unlocking comes first and locking last. A failure ends the work on its object: what was changed before\n"
     "it stays changed, and the next object follows.\n\n"
     "A CODE is four characters, 0x and hexadecimal digits, or 0 for none.\n"

@@ -21,18 +21,6 @@ Bytes pattern(std::size_t size, unsigned seed = 7)
     return bytes;
 }
 
-OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes)
-{
-    return FSWriteFork(fork, fsFromStart, position, static_cast<ByteCount>(bytes.size()), bytes.data(), nullptr);
-}
-
-SInt64 sizeOf(SInt16 fork)
-{
-    SInt64 size = -1;
-    EXPECT_EQ(FSGetForkSize(fork, &size), noErr);
-    return size;
-}
-
 SInt16 opened(const FSRef &ref, bool resource, SInt8 permission)
 {
     SInt16 fork = 0;

@@ -12,18 +12,6 @@ using namespace support;
 
 constexpr std::uint64_t largestFork = 0xFFFFFFFFu - 0x10000u;
 
-OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes)
-{
-    return FSWriteFork(fork, fsFromStart, position, static_cast<ByteCount>(bytes.size()), bytes.data(), nullptr);
-}
-
-SInt64 sizeOf(SInt16 fork)
-{
-    SInt64 size = -1;
-    EXPECT_EQ(FSGetForkSize(fork, &size), noErr);
-    return size;
-}
-
 class LargeForks : public DiskTest
 {
 protected:

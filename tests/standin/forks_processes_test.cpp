@@ -14,11 +14,6 @@ namespace
 
 using namespace support;
 
-OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes)
-{
-    return FSWriteFork(fork, fsFromStart, position, static_cast<ByteCount>(bytes.size()), bytes.data(), nullptr);
-}
-
 void moveByHand(const std::string &from, const std::string &to)
 {
     EXPECT_EQ(::rename(from.c_str(), to.c_str()), 0);

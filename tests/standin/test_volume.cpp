@@ -285,6 +285,18 @@ OSErr writeFork(const FSRef &ref, bool resource, const Bytes &bytes)
     return result != noErr ? result : closing;
 }
 
+OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes)
+{
+    return FSWriteFork(fork, fsFromStart, position, static_cast<ByteCount>(bytes.size()), bytes.data(), nullptr);
+}
+
+SInt64 sizeOf(SInt16 fork)
+{
+    SInt64 size = -1;
+    EXPECT_EQ(FSGetForkSize(fork, &size), noErr);
+    return size;
+}
+
 Bytes forkOf(const FSRef &ref, bool resource)
 {
     SInt16 fork = 0;

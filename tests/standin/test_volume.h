@@ -75,6 +75,8 @@ std::vector<UniChar> resourceForkName();
 OSErr openFork(const FSRef &ref, bool resource, SInt8 permission, SInt16 &fork);
 OSErr writeFork(const FSRef &ref, bool resource, const Bytes &bytes);   // replaces what it held
 Bytes forkOf(const FSRef &ref, bool resource = true);
+OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes);   // of an open one
+SInt64 sizeOf(SInt16 fork);
 
 // Sidecars, put together by hand
 struct Piece

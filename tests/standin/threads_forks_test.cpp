@@ -23,11 +23,6 @@ protected:
     }
 };
 
-OSErr writeAt(SInt16 fork, SInt64 position, const Bytes &bytes)
-{
-    return FSWriteFork(fork, fsFromStart, position, static_cast<ByteCount>(bytes.size()), bytes.data(), nullptr);
-}
-
 // Every round all of it has another byte.
 void writeOften(SInt16 fork, std::atomic<int> &failures)
 {

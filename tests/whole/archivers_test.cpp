@@ -22,6 +22,19 @@ protected:
         EXPECT_EQ(writeFork(ref, true, fork), noErr);
         return ref;
     }
+
+    // Of the archive, which has a file `document` with this fork. Told to show forks, unar writes the one that it has read as a sidecar of its own.
+    void expectUnpacked(const Bytes &fork)
+    {
+        const std::string archive = folder() / "archive.tar", target = folder() / "unpacked";
+        std::string listing = run({"lsar", "-l", archive}).output;
+        EXPECT_NE(listing.find("document"), std::string::npos) << listing;
+        mkdir(target.c_str(), 0755);
+        const Ended unpacked = run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", target, archive});
+        ASSERT_EQ(unpacked.status, 0) << unpacked.output;
+        EXPECT_EQ(readFile(target + "/document"), bytesOf("the data fork"));
+        EXPECT_EQ(forkOf(refAt(target + "/document")), fork);
+    }
 };
 
 TEST_P(Archivers, AreToldTheFormatByItsFirstBytes)
@@ -51,20 +64,10 @@ TEST_P(Archivers, APackedFolderKeepsTheForkForThem)
         GTEST_SKIP() << "no lsar, unar or tar on this machine";
     Bytes fork = bytesOf("what the resource fork holds");
     forkedFile("document", fork);
-    mkdir((folder() / "unpacked").c_str(), 0755);
     // The order of macOS's own archives: the sidecar before its file.
     Ended packed = run({"tar", "-cf", folder() / "archive.tar", "-C", folder().path(), "._document", "document"});
     ASSERT_EQ(packed.status, 0) << packed.output;
-    std::string listing = run({"lsar", "-l", folder() / "archive.tar"}).output;
-    EXPECT_NE(listing.find("document"), std::string::npos) << listing;
-
-    // Told to show forks, it writes the one that it has read as a sidecar of its own.
-    Ended unpacked =
-        run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
-    ASSERT_EQ(unpacked.status, 0) << unpacked.output;
-    EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
-    FSRef ref = refAt(folder() / "unpacked/document");
-    EXPECT_EQ(forkOf(ref), fork);
+    expectUnpacked(fork);
 }
 
 TEST_P(Archivers, ReadTheForkOfACopy)
@@ -74,20 +77,12 @@ TEST_P(Archivers, ReadTheForkOfACopy)
     const Bytes fork = patternBytes(70000, 3);
     const FSRef source = forkedFile("original", fork);
     ASSERT_EQ(copyFile(source, refAt(folder().path()), "document"), noErr);
-    mkdir((folder() / "unpacked").c_str(), 0755);
     Ended packed = run({"bsdtar", "-cf", folder() / "archive.tar", "-C", folder().path(), "._document", "document"});
     ASSERT_EQ(packed.status, 0) << packed.output;
 
     // Both take the two entries for one file.
     EXPECT_EQ(run({"bsdtar", "--options", "mac-ext", "-tf", folder() / "archive.tar"}).output, "document\n");
-    std::string listing = run({"lsar", "-l", folder() / "archive.tar"}).output;
-    EXPECT_NE(listing.find("document"), std::string::npos) << listing;
-
-    Ended unpacked =
-        run({"unar", "-quiet", "-no-directory", "-forks", "hidden", "-output-directory", folder() / "unpacked", folder() / "archive.tar"});
-    ASSERT_EQ(unpacked.status, 0) << unpacked.output;
-    EXPECT_EQ(readFile(folder() / "unpacked/document"), bytesOf("the data fork"));
-    EXPECT_EQ(forkOf(refAt(folder() / "unpacked/document")), fork);
+    expectUnpacked(fork);
 }
 
 ON_EVERY_DISK(Archivers);
