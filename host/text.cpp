@@ -109,12 +109,6 @@ void appendEscape(std::string &text, const char *format, unsigned value)
     text += buffer;
 }
 
-// Most text is nothing else, and is shown as it is.
-bool isPlainAscii(std::string_view bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= ' ' && byte <= '~' && byte != '\\'; });
-}
-
 void appendPrintable(std::string &text, std::string_view bytes, std::size_t position, std::size_t &length)
 {
     UChar32 character = codePointAt(bytes, position, length);
@@ -204,6 +198,11 @@ std::string pathComponentFromName(const HFSUniStr255 &name)
     std::string component = bytesFromName(name);
     std::replace(component.begin(), component.end(), '/', ':');
     return component;
+}
+
+bool isPlainAscii(std::string_view bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= ' ' && byte <= '~' && byte != '\\'; });
 }
 
 std::string printable(std::string_view bytes)

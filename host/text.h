@@ -37,6 +37,9 @@ std::string utf8FromPascal(ConstStr255Param text);
 // direction of writing become \xNN or \u{NNNN}; a backslash is doubled.
 std::string printable(std::string_view bytes);
 
+// Whether the bytes are printable as they are, as those of most names: ASCII without control characters and backslashes.
+bool isPlainAscii(std::string_view bytes);
+
 // How many columns printable text takes, near enough for lining up: one for every code point.
 std::size_t columnsOf(std::string_view printableText);
 

@@ -49,18 +49,20 @@ public:
         ends_.resize(std::min<std::size_t>(ends_.size(), level));
     }
 
-    std::string pathOf(UInt32 level, const std::string &name)
+    // Of what is in the folder of the level above. Good until the next one.
+    const std::string &pathOf(UInt32 level, const std::string &name)
     {
+        ends_.resize(std::min<std::size_t>(ends_.size(), level));
+        path_.resize(ends_.back());
         while (ends_.size() < level)
         {
-            path_.resize(ends_.back());
-            path_ += nameOf(folders_[ends_.size() - 1]) + '/';
+            path_.append(nameOf(folders_[ends_.size() - 1])).push_back('/');
             ends_.push_back(path_.size());
         }
-        return path_.substr(0, ends_[level - 1]) + name;
+        return path_ += name;
     }
 
-    std::string pathOfFolder(UInt32 level) { return pathOf(level, nameOf(folders_[level - 1])); }
+    const std::string &pathOfFolder(UInt32 level) { return pathOf(level, nameOf(folders_[level - 1])); }
 
 private:
     struct Folder
@@ -72,8 +74,8 @@ private:
     static const std::string &nameOf(Folder &folder);
 
     std::vector<Folder> folders_;
-    std::string path_;                // of the deepest folder that was needed
-    std::vector<std::size_t> ends_;   // of the part of it that leads to the start, to the folder of level 1, and so on, with their '/'
+    std::string path_;                // that was needed last
+    std::vector<std::size_t> ends_;   // of the parts of it that lead to the start, to the folder of level 1, and so on, with their '/'
 };
 
 // Null if the object has gone meanwhile.
@@ -107,7 +109,7 @@ public:
         if (form_ == Form::json)
             array_->add({{"path", path}, {"kind", isFolder(catalog) ? "folder" : "file"}});
         else if (form_ == Form::lines)
-            std::puts(printable(path).c_str());
+            std::puts(isPlainAscii(path) ? path.c_str() : printable(path).c_str());
         else
             std::fwrite(path.c_str(), 1, path.size() + 1, stdout);
     }
@@ -178,7 +180,7 @@ private:
         const Entered last = std::exchange(entered_, {});
         if (last.level < level || last.level == 0 || mayBeRead(last.folder))
             return;
-        const std::string path = way_.pathOfFolder(last.level);
+        const std::string &path = way_.pathOfFolder(last.level);
         report_.failure(path, afpAccessDenied);
         output_.failure(path, afpAccessDenied);
     }

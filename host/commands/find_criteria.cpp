@@ -142,7 +142,7 @@ FSCatalogInfoBitmap FindCriteria::infoNeeded() const
 
 bool FindCriteria::selectsFew() const
 {
-    return infoNeeded() != kFSCatInfoNodeFlags || isFolder == true || isLocked == true;
+    return infoNeeded() != kFSCatInfoNodeFlags || isLocked == true;
 }
 
 bool FindCriteria::areMetBy(const FSCatalogInfo &catalog, const std::string *nameInPaths) const

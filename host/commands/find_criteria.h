@@ -28,7 +28,7 @@ struct FindCriteria
     // The fields of the catalog that these criteria look at: what is not asked for costs nothing.
     FSCatalogInfoBitmap infoNeeded() const;
 
-    // Whether many objects can be expected not to meet them.
+    // Whether so few objects can be expected to meet them that it costs less to ask those for their names than to have all names with the walk.
     bool selectsFew() const;
 
     // `name` is null if there is no pattern for it.
