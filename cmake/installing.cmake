@@ -73,7 +73,7 @@ install(FILES ${ZERB_C_HEADER}
 
 # What there is to read, and to begin with.
 include(${CMAKE_CURRENT_LIST_DIR}/packaging.cmake)
-install(FILES README.md CHANGELOG.md ${CMAKE_BINARY_DIR}/debian/copyright
+install(FILES README.md CHANGELOG.md ${CMAKE_BINARY_DIR}/packaging/copyright
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
 install(DIRECTORY docs/
     DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT program
