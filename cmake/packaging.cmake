@@ -38,8 +38,6 @@ file(CONFIGURE OUTPUT ${packagingFolder}/triggers CONTENT "activate-noawait ldco
 # CPack writes scripts that call ldconfig, unless it is given others. These two are not there, as it says in its log, and so no
 # package has any.
 set(noScripts ${packagingFolder}/none/postinst ${packagingFolder}/none/postrm)
-# CPack 3.25 has no name for this field of control, which goes along with another.
-set(onceForEachArchitecture "optional\nMulti-Arch: same")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zerb)
@@ -76,7 +74,6 @@ string, dialog and folder services as a plug-in, zerb.so, which the program
 loads and other applications may load too.")
 
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARIES_PACKAGE_PRIORITY ${onceForEachArchitecture})
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_DEPENDS fonts-dejavu-core)   # looked for by name, so that the linker does not know of it
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA ${packagingFolder}/shlibs ${packagingFolder}/triggers ${noScripts})
 set(CPACK_COMPONENT_LIBRARIES_DESCRIPTION
@@ -88,7 +85,6 @@ themselves, and libzerbstandin, which makes the platform's calls below them
 real on Linux.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_PRIORITY ${onceForEachArchitecture})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ${sameVersionOfLibraries})
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 "classic Macintosh services for applications (development files)

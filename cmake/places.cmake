@@ -26,13 +26,17 @@ function(zerb_path_from variable from to)
     set(${variable} "$ORIGIN/${path}" PARENT_SCOPE)
 endfunction()
 
-# In /usr the loader looks by itself; anywhere else what is installed finds its libraries from where it lies.
+# In /usr the loader looks by itself. Anywhere else what is installed finds its libraries from where it lies, and by the very same
+# words in the build folder: those that CMake would have put there to be changed later end with an empty one, by which the
+# loader looks in the current directory, and somebody else's libraries may lie there.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-    set(ZERB_RPATH_OF_PROGRAMS "")
-    set(ZERB_RPATH_OF_PLUGIN "")
-    set(ZERB_RPATH_OF_LIBRARIES "")
+    set(ZERB_RPATH_OF_PROGRAMS BUILD_RPATH "$ORIGIN" INSTALL_RPATH "")
+    set(ZERB_RPATH_OF_PLUGIN ${ZERB_RPATH_OF_PROGRAMS})
+    set(ZERB_RPATH_OF_LIBRARIES ${ZERB_RPATH_OF_PROGRAMS})
 else()
-    zerb_path_from(ZERB_RPATH_OF_PROGRAMS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
-    zerb_path_from(ZERB_RPATH_OF_PLUGIN ${ZERB_PLUGIN_FOLDER} ${CMAKE_INSTALL_LIBDIR})
-    set(ZERB_RPATH_OF_LIBRARIES "$ORIGIN")
+    zerb_path_from(fromPrograms ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
+    zerb_path_from(fromPlugin ${ZERB_PLUGIN_FOLDER} ${CMAKE_INSTALL_LIBDIR})
+    set(ZERB_RPATH_OF_PROGRAMS BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN\\;${fromPrograms}")
+    set(ZERB_RPATH_OF_PLUGIN BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN\\;${fromPlugin}")
+    set(ZERB_RPATH_OF_LIBRARIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
 endif()

@@ -69,9 +69,9 @@ Names listedNames()
 }
 
 // The names in the square brackets of readelf's lines of this kind, as in "(NEEDED)  Shared library: [libc.so.6]".
-Names dynamicEntries(const std::string &kind)
+Names dynamicEntries(const std::string &file, const std::string &kind)
 {
-    std::istringstream lines(outputOf(std::string("LC_ALL=C readelf --dynamic --wide ") + quoted(plugin)));
+    std::istringstream lines(outputOf("LC_ALL=C readelf --dynamic --wide " + quoted(file)));
     Names names;
     for (std::string line; std::getline(lines, line);)
     {
@@ -107,10 +107,23 @@ TEST(PluginExports, NeedsTheStandInAndTheLanguagesLibrariesAlone)
 {
     if (isSanitized())
         GTEST_SKIP() << "sanitizers need libraries of their own";
-    const Names needed = dynamicEntries("NEEDED");
+    const Names needed = dynamicEntries(plugin, "NEEDED");
     EXPECT_TRUE(needed.contains(standInFile()));
     const Names allowed = {standInFile(), "libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6"};
     EXPECT_EQ(difference(needed, allowed), Names{});
+}
+
+// An empty place, as between two colons or at the end, is the current directory.
+TEST(PluginExports, LibrariesAreLookedForInNoPlaceThatTheCurrentDirectoryDecides)
+{
+    for (const std::string &file : {plugin, built("zerb")})
+    {
+        const Names places = dynamicEntries(file, "RUNPATH");
+        ASSERT_EQ(places.size(), 1u) << file;
+        std::istringstream list(*places.begin() + ":");
+        for (std::string place; std::getline(list, place, ':');)
+            EXPECT_TRUE(place.starts_with("$ORIGIN")) << file << ": " << *places.begin();
+    }
 }
 
 }   // namespace
