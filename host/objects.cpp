@@ -18,8 +18,6 @@ namespace host
 namespace
 {
 
-constexpr UInt32 longestPath = 4 * 1024 * 1024;   // deep trees have paths far beyond what Linux calls take
-
 const UInt8 *pathBytes(const std::string &path)
 {
     return reinterpret_cast<const UInt8 *>(path.c_str());
@@ -113,13 +111,19 @@ OSStatus findObject(const std::string &path, Links links, FSRef &ref)
     return result;
 }
 
+OSStatus writtenPath(const std::function<OSStatus(UInt8 *buffer, UInt32 size)> &write, std::string &path)
+{
+    constexpr UInt32 longestPath = 4 * 1024 * 1024;   // deep trees have paths far beyond what Linux calls take
+    auto buffer = std::make_unique_for_overwrite<UInt8[]>(longestPath);
+    const OSStatus result = write(buffer.get(), longestPath);
+    if (result == noErr)
+        path = reinterpret_cast<const char *>(buffer.get());
+    return result;
+}
+
 OSStatus pathOfObject(const FSRef &ref, std::string &path)
 {
-    auto buffer = std::make_unique_for_overwrite<char[]>(longestPath);
-    OSStatus result = FSRefMakePath(&ref, reinterpret_cast<UInt8 *>(buffer.get()), longestPath);
-    if (result == noErr)
-        path = buffer.get();
-    return result;
+    return writtenPath([&](UInt8 *buffer, UInt32 size) { return FSRefMakePath(&ref, buffer, size); }, path);
 }
 
 }   // namespace host

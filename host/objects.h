@@ -3,6 +3,7 @@
 
 #include "platform/file_records.h"
 
+#include <functional>
 #include <string>
 
 namespace host
@@ -25,6 +26,9 @@ std::string linuxPathOf(const std::string &path);
 
 // The object at a path. Result: noErr, or what the file manager says. `ref` is written only on success.
 OSStatus findObject(const std::string &path, Links links, FSRef &ref);
+
+// The path that a call writes into the buffer that it is given. `path` is written only on success.
+OSStatus writtenPath(const std::function<OSStatus(UInt8 *buffer, UInt32 size)> &write, std::string &path);
 
 // The path of an object. `path` is written only on success.
 OSStatus pathOfObject(const FSRef &ref, std::string &path);

@@ -3,6 +3,7 @@
 
 #include "host/catalog_json.h"
 #include "host/commands/colon_paths.h"
+#include "host/objects.h"
 #include "host/text.h"
 
 #include <algorithm>
@@ -14,8 +15,6 @@ namespace host
 
 namespace
 {
-
-constexpr UInt32 longestPath = 4 * 1024 * 1024;   // far beyond what Linux calls take
 
 struct Kind
 {
@@ -53,11 +52,8 @@ std::string lastName(std::string path)
 
 OSErr pathOfFolder(const Plugin &plugin, FSVolumeRefNum volume, SInt32 folderID, std::string &path)
 {
-    auto buffer = std::make_unique_for_overwrite<UInt8[]>(longestPath);
-    const OSErr result = plugin.FSMakePath(volume, folderID, nullptr, buffer.get(), longestPath);
-    if (result == noErr)
-        path = reinterpret_cast<const char *>(buffer.get());
-    return result;
+    const auto write = [&](UInt8 *buffer, UInt32 size) { return plugin.FSMakePath(volume, folderID, nullptr, buffer, size); };
+    return static_cast<OSErr>(writtenPath(write, path));
 }
 
 OSErr findShared(const Plugin &plugin, FoundFolder &folder)

@@ -5,6 +5,7 @@
 #include "host/commands/text_bytes.h"
 #include "host/commands/text_parts.h"
 #include "host/commands/volume_argument.h"
+#include "host/objects.h"
 #include "host/text.h"
 
 #include "platform/files.h"
@@ -18,8 +19,6 @@ namespace host
 
 namespace
 {
-
-constexpr UInt32 longestPath = 4 * 1024 * 1024;   // deep trees have paths far beyond what Linux calls take
 
 struct Options
 {
@@ -39,12 +38,11 @@ struct Location
 
 OSErr makePath(const Plugin &plugin, Location &location)
 {
-    auto buffer = std::make_unique_for_overwrite<UInt8[]>(longestPath);
     ConstStr255Param name = location.hasName ? location.spec.name : nullptr;
-    OSErr result = plugin.FSMakePath(location.spec.vRefNum, location.spec.parID, name, buffer.get(), longestPath);
-    if (result == noErr)
-        location.path = reinterpret_cast<const char *>(buffer.get());
-    return result;
+    const auto write = [&](UInt8 *buffer, UInt32 size) {
+        return plugin.FSMakePath(location.spec.vRefNum, location.spec.parID, name, buffer, size);
+    };
+    return static_cast<OSErr>(writtenPath(write, location.path));
 }
 
 std::string nameOfVolume(FSVolumeRefNum volume)
