@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -69,11 +70,19 @@ Running startFile(const std::string &file, const std::vector<std::string> &words
     return Running(process, ends[0]);
 }
 
+// What the stand-in loads when it needs it may lie where another user cannot get at it. What is loaded already is found by its path alone.
+void loadParts()
+{
+    for (const char *part : {"zerbdatabase.so", "zerbtext.so"})
+        dlopen((std::filesystem::path(ownProgram).parent_path() / part).c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
 // True if it worked. The process stays readable for itself in /proc (a change of user takes that away).
 bool becomeUser(uid_t user)
 {
     if (user == 0)
         return true;
+    loadParts();
     bool done = setgroups(0, nullptr) == 0 && setresgid(user, user, user) == 0 && setresuid(user, user, user) == 0;
     prctl(PR_SET_DUMPABLE, 1);
     return done;
