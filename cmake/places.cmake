@@ -30,7 +30,7 @@ endfunction()
 # words in the build folder: those that CMake would have put there to be changed later end with an empty one, by which the
 # loader looks in the current directory, and somebody else's libraries may lie there.
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-    set(ZERB_RPATH_OF_PROGRAMS BUILD_RPATH "$ORIGIN" INSTALL_RPATH "")
+    set(ZERB_RPATH_OF_PROGRAMS BUILD_RPATH "$ORIGIN")   # and none where they are installed
     set(ZERB_RPATH_OF_PLUGIN ${ZERB_RPATH_OF_PROGRAMS})
     set(ZERB_RPATH_OF_LIBRARIES ${ZERB_RPATH_OF_PROGRAMS})
 else()
