@@ -7,8 +7,10 @@
 #include <atomic>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <link.h>
 #include <memory>
+#include <system_error>
 
 namespace standin
 {
@@ -37,11 +39,12 @@ std::string ownPath()
     return map->l_name != nullptr && map->l_name[0] != '\0' ? map->l_name : programPath();
 }
 
-// With its closing slash.
+// With its closing slash, and wherever the current directory is moved to later. Empty if it is not known.
 std::string ownFolder()
 {
-    const std::string path = ownPath();
-    return path.substr(0, path.rfind('/') + 1);
+    std::error_code failure;
+    const std::filesystem::path path = std::filesystem::absolute(ownPath(), failure);
+    return failure || !path.has_filename() ? std::string() : path.parent_path().string() + '/';
 }
 
 // The build's description says which.
@@ -61,6 +64,11 @@ void *noted(void *found)
 // linked with. Loading counts: a second time only finds it.
 void *loadedModule(const std::string &module)
 {
+    if (folderAtStart.empty())   // anywhere else could lie anything
+    {
+        problem = "the folder of libzerbstandin.so is not known";
+        return nullptr;
+    }
     const std::string installed = folderAtStart + installedFolder + '/' + module;
     ObjectStatus status;
     const bool isInstalled = linux_calls::statusAt(AT_FDCWD, installed.c_str(), status) == 0;

@@ -5,22 +5,10 @@
 namespace standin
 {
 
-namespace
-{
-
-const DatabaseModule *load()
-{
-    auto *function = reinterpret_cast<DatabaseModuleFunction *>(moduleFunction(databaseModuleFile, databaseModuleFunction));
-    if (function == nullptr)
-        notePartMissing("the part that keeps file IDs cannot be loaded: " + moduleProblem());
-    return function != nullptr ? function() : nullptr;
-}
-
-}   // namespace
-
 const DatabaseModule *databasePart()
 {
-    static const DatabaseModule *const part = load();
+    static const DatabaseModule *const part =
+        tableOfModule<DatabaseModuleFunction>(databaseModuleFile, databaseModuleFunction, "that keeps file IDs");
     return part;
 }
 

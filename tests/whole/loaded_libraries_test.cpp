@@ -30,7 +30,7 @@ class LoadedLibraries : public HostTest
 {
 protected:
     // A program that has none of its parts beside it.
-    Outcome zerbWithoutParts(const host_tests::Words &words) const
+    Outcome zerbWithoutParts(const host_tests::Words &words, const host_tests::Words &environment = {}) const
     {
         std::filesystem::create_directory(path("program"));
         for (const std::string &product : firstProducts)
@@ -38,6 +38,7 @@ protected:
         Setting setting;
         setting.directory = folder().path();
         setting.environment = {"ZERB_STATE_FOLDER=" + path("state")};
+        setting.environment.insert(setting.environment.end(), environment.begin(), environment.end());
         setting.program = path("program/zerb");
         return runHost(words, setting);
     }
@@ -138,6 +139,14 @@ TEST_F(LoadedLibraries, WithoutThePartThatKnowsCharactersANameThatNeedsItIsRefus
     EXPECT_THAT(outcome.errors, HasSubstr("zerb: the part that knows characters beyond ASCII cannot be loaded: "));
     EXPECT_THAT(outcome.errors, HasSubstr(path("program/zerbtext.so")));
     EXPECT_TRUE(std::filesystem::exists(path("file")));
+}
+
+// A program may change its current directory before it needs a part, and somebody else's file may lie there.
+TEST_F(LoadedLibraries, PartsAreLookedForByAWholePathWhateverPathTheStandInWasFoundBy)
+{
+    makeFile("file");
+    const Outcome outcome = zerbWithoutParts({"rename", "file", "Re\u0301sume\u0301"}, {"LD_LIBRARY_PATH=program"});
+    EXPECT_THAT(outcome.errors, HasSubstr("cannot be loaded: " + path("program/zerbtext.so")));
 }
 
 TEST_F(LoadedLibraries, WithoutThePartThatKnowsCharactersAListingShowsThemAsEscapes)
