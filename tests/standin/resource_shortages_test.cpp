@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -34,9 +36,19 @@ protected:
             wasReached = FailingMemory::reached();
             EXPECT_EQ(ResError(), isDone ? noErr : memFullErr);
             EXPECT_TRUE(isDone || wasReached);
+            expectNoTrace();
         }
         EXPECT_GT(nth, 1) << "it takes no memory";
         EXPECT_LT(nth, mostPieces);
+    }
+
+    // A new handle, which likely lies where the one lay that nobody got, is no resource.
+    static void expectNoTrace()
+    {
+        const Handle fresh = NewHandle(0);
+        EXPECT_EQ(GetResourceSizeOnDisk(fresh), -1);
+        EXPECT_EQ(ResError(), resNotFound);
+        DisposeHandle(fresh);
     }
 
     TemporaryFolder folder;
@@ -57,6 +69,27 @@ TEST_F(ResourceShortages, AFileIsOpenOrIsNot)
         return true;
     });
     EXPECT_EQ(openDescriptors(), open);
+}
+
+// Of so many, some are the first that a list grows for.
+TEST_F(ResourceShortages, EachOfManyFilesIsOpenOrIsNot)
+{
+    constexpr int many = 40;
+    std::vector<SInt16> numbers;
+    for (int each = 0; each < many; ++each)
+    {
+        const FSRef next = fileWithFork(folder, "file" + std::to_string(each), resourceFork({{text, 1, bytesOf("one")}}));
+        const long open = openDescriptors();
+        SInt16 number = -1;
+        runOut([&] {
+            number = FSOpenResFile(&next, fsRdPerm);
+            return number != -1;
+        });
+        EXPECT_EQ(openDescriptors(), open + 2) << "the file and its sidecar";
+        numbers.push_back(number);
+    }
+    for (const SInt16 number : numbers)
+        CloseResFile(number);
 }
 
 struct Fetching
