@@ -1,7 +1,5 @@
 #include "tests/standin/interface_scenes.h"
 
-#include "standin/drawing/port.h"
-
 #include <cstring>
 
 namespace support
@@ -110,11 +108,7 @@ testing::AssertionResult screenLooksLike(const std::string &file, const std::str
     const Picture picture = readPicture(file);
     if (picture.pixels.empty())
         return testing::AssertionFailure() << "the script saved no picture " << file;
-    GrafPtr port = standin::newPort({0, 0, static_cast<SInt16>(picture.height), static_cast<SInt16>(picture.width)}, {});
-    port->pixels = picture.pixels;
-    testing::AssertionResult result = looksLike(port, name);
-    DisposePort(port);
-    return result;
+    return looksLike(picture, name);
 }
 
 Pascal::Pascal(const std::string &characters)
