@@ -9,7 +9,6 @@ include_guard(GLOBAL)
 # How the tests' own code is compiled, whatever the preset does to what it tests: optimised and sanitized, tests take
 # three times as long to compile and find no more. The thread sanitizer alone has to see how the tests' threads meet.
 # In the release and asan presets the commands are the same word for word, so that ./check compiles each test once.
-# GoogleTest's header, which every test takes, and the largest of the standard library are compiled once a target.
 add_library(zerb_test_code INTERFACE)
 target_link_libraries(zerb_test_code INTERFACE zerb_warnings)
 if(NOT ZERB_PRESET STREQUAL "debug")
@@ -18,7 +17,6 @@ endif()
 if(ZERB_PRESET STREQUAL "tsan")
     target_compile_options(zerb_test_code INTERFACE ${sanitizerFlags})
 endif()
-target_precompile_headers(zerb_test_code INTERFACE <algorithm> <filesystem> <functional> <sstream> <gtest/gtest.h>)
 
 # zerb_batch_tests(VARIABLE FILE...)
 #
@@ -47,37 +45,57 @@ function(zerb_batch_tests variable)
     set(${variable} ${batches} PARENT_SCOPE)
 endfunction()
 
-# What a test must know of the build that it runs in; see the header.
-add_library(how_built STATIC ${PROJECT_SOURCE_DIR}/tests/how_built.cpp)
-target_include_directories(how_built PUBLIC ${PROJECT_SOURCE_DIR})
-if(ZERB_SANITIZE)
-    target_compile_definitions(how_built PRIVATE ZERB_SANITIZED)
-elseif(ZERB_PRESET STREQUAL "release")
-    target_compile_definitions(how_built PRIVATE ZERB_LONG_RUNS)
+# What a test must know of the build that it runs in; see the header. GoogleTest's own header, which every test takes, and the
+# largest of the standard library are compiled here once for all.
+if(TARGET GTest::gtest)
+    add_library(how_built STATIC ${PROJECT_SOURCE_DIR}/tests/how_built.cpp)
+    target_include_directories(how_built PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(how_built PRIVATE zerb_test_code GTest::gtest)
+    set(testHeaders <algorithm> <filesystem> <functional> <sstream> <gtest/gtest.h>)
+    target_precompile_headers(how_built PRIVATE ${testHeaders})
+    set_target_properties(how_built PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    # Of the source alone: defined for the headers, it would have to be defined for all who take them.
+    if(ZERB_SANITIZE)
+        set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/how_built.cpp PROPERTIES COMPILE_DEFINITIONS ZERB_SANITIZED)
+    elseif(ZERB_PRESET STREQUAL "release")
+        set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/how_built.cpp PROPERTIES COMPILE_DEFINITIONS ZERB_LONG_RUNS)
+    endif()
 endif()
-target_link_libraries(how_built PRIVATE zerb_warnings)
 
-# zerb_add_test(NAME [SOURCES file...] [LIBRARIES target...] [PRESETS preset[=filter]...] [OWN_MAIN])
+# zerb_test_sources(TARGET [HEADER...])
+#
+# TARGET is made of tests' own code, and takes the headers that are compiled already; more HEADERs are compiled for it alone. That
+# wants the same kind of code of libraries as of programs, so they leave its position to the compiler.
+function(zerb_test_sources target)
+    target_link_libraries(${target} PRIVATE zerb_test_code GTest::gtest)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+    if(ARGN)
+        target_precompile_headers(${target} PRIVATE ${testHeaders} ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM how_built)
+    endif()
+endfunction()
+
+# zerb_add_test(NAME SOURCES file... [LIBRARIES target...] [HEADERS header...] [PRESETS preset[=filter]...] [OWN_MAIN])
 #
 # Builds a GoogleTest program of these sources and libraries and has ./check run it in the named presets; the
 # debug preset, which is for working on the code, always lists it whole. A filter, as for --gtest_filter, limits
-# what a preset runs: PRESETS release asan "tsan=Threads*.*". Without SOURCES the target has to exist already.
+# what a preset runs: PRESETS release asan "tsan=Threads*.*". HEADERS are compiled beforehand, as for zerb_test_sources.
 # OWN_MAIN leaves out GoogleTest's main function.
 # Without GoogleTest on this machine no program is made; nothing else may depend on a test program.
 function(zerb_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "OWN_MAIN" "" "SOURCES;LIBRARIES;PRESETS")
+    cmake_parse_arguments(PARSE_ARGV 1 test "OWN_MAIN" "" "SOURCES;LIBRARIES;HEADERS;PRESETS")
     if(NOT TARGET GTest::gtest)
         message(STATUS "No GoogleTest here: ${name} is not built")
         return()
     endif()
-    if(test_SOURCES)
-        add_executable(${name} ${test_SOURCES})
-    endif()
+    add_executable(${name} ${test_SOURCES})
+    zerb_test_sources(${name} ${test_HEADERS})
     set(mainLibrary GTest::gtest_main)
     if(test_OWN_MAIN)
         set(mainLibrary "")
     endif()
-    target_link_libraries(${name} PRIVATE zerb_test_code ${test_LIBRARIES} how_built GTest::gtest ${mainLibrary})
+    target_link_libraries(${name} PRIVATE ${test_LIBRARIES} how_built ${mainLibrary})
     foreach(entry debug ${test_PRESETS})
         if(entry MATCHES "^([^=]+)=?(.*)$" AND CMAKE_MATCH_1 STREQUAL ZERB_PRESET)
             set(filter "${CMAKE_MATCH_2}")

@@ -16,9 +16,6 @@ FSSpec specificationOf(const FileObject &object)
 namespace
 {
 
-// What a record is filled with around the fields that were asked for: whoever reads others gets this.
-constexpr int neverAskedFor = 0xA5;
-
 // The root folder's "parent" is not an object, but not all zero bytes either.
 FSRef parentReferenceOf(const FileObject &object)
 {

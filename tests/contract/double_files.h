@@ -79,6 +79,9 @@ struct FilesDouble
     std::array<UInt8, sizeof(FSRefParam)> lastReferenceBlock = {};
 };
 
+// What a record is filled with around the fields that were asked for: whoever reads others gets this.
+constexpr int neverAskedFor = 0xA5;
+
 // Copies the fields of a record that a bitmap names, and no others.
 void copyCatalogFields(FSCatalogInfoBitmap whichInfo, const FSCatalogInfo &from, FSCatalogInfo &to);
 void copyVolumeFields(FSVolumeInfoBitmap whichInfo, const FSVolumeInfo &from, FSVolumeInfo &to);

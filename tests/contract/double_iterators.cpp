@@ -8,8 +8,6 @@
 namespace
 {
 
-constexpr int neverAskedFor = 0xA5;
-
 std::vector<FileObject *> itemsLeft(FilesDouble &files, const IteratorObject &iterator)
 {
     std::vector<FileObject *> items;
