@@ -192,8 +192,6 @@ bool roleWasAsked(int argumentCount, char **arguments, int &status)
         status = 125;
         return true;
     }
-    int noArguments = 1;
-    testing::InitGoogleTest(&noArguments, arguments);
     role->second(RoleArguments(arguments + 4, arguments + argumentCount));
     status = testing::Test::HasFailure() ? 1 : 0;
     return true;
