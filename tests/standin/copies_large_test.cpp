@@ -1,9 +1,9 @@
 // Copying large files: holes, shared blocks, full disks, from one kind of disk to another, and what a host is told meanwhile.
 #include "tests/standin/copies.h"
+#include "tests/standin/full_disks.h"
 
 #include "standin/files/linux_calls.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <linux/fiemap.h>
 #include <linux/fs.h>
@@ -192,23 +192,13 @@ protected:
     void fillAllBut(std::size_t spare)
     {
         writeFile(folder() / "spare", Bytes(spare, 's'));
-        OpenFile ballast(folder() / "ballast", O_WRONLY | O_CREAT | O_APPEND);
-        std::vector<char> piece(mebibyte, 'x');
-        for (std::size_t size = piece.size(); size > 0;)
-        {
-            ssize_t written = write(ballast.number(), piece.data(), size);
-            if (written < 0 && errno == ENOSPC)
-                size /= 2;
-            else
-                ASSERT_GT(written, 0);
-        }
-        fsync(ballast.number());
+        fillDisk(folder().path());
         unlink((folder() / "spare").c_str());
     }
     void expectNothingLeft()
     {
         EXPECT_EQ(namesIn(folder() / "copies"), std::vector<std::string>{});
-        unlink((folder() / "ballast").c_str());
+        makeRoom(folder().path());
     }
 };
 

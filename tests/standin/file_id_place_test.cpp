@@ -1,10 +1,9 @@
 // Where the database of file IDs lies, and disks that make trouble.
 #include "tests/standin/file_id_store.h"
+#include "tests/standin/full_disks.h"
 
-#include <fcntl.h>
 #include <map>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -69,18 +68,6 @@ TEST_F(FileIDStore, OfAnotherUserIsReadIfItMayBeRead)
     playRole("seesStoreOfAnother", {other, id, "0"}, sameState(nobody));
 }
 
-void fill(const std::string &path)
-{
-    const int ballast = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-    ASSERT_GE(ballast, 0);
-    const std::vector<char> piece(1 << 20, 'x');
-    for (std::size_t size = piece.size(); size > 0;)
-        if (write(ballast, piece.data(), size) <= 0)
-            size /= 2;
-    fsync(ballast);
-    close(ballast);
-}
-
 TEST_F(FileIDStore, OnAFullDiskGivesNoMoreIDsAndLosesNone)
 {
     for (DiskKind kind : {DiskKind::tmpfs, DiskKind::ext4})
@@ -98,14 +85,14 @@ TEST_F(FileIDStore, OnAFullDiskGivesNoMoreIDsAndLosesNone)
             return id.result;
         };
         ASSERT_EQ(make(0), noErr);
-        fill(small / "ballast");
+        fillDisk(small.path());
         OSErr result = noErr;
         for (int i = 1; i < 3000 && result == noErr; ++i)
             result = make(i);
         EXPECT_EQ(result, dskFulErr) << nameOfKind(kind);
         for (const auto &[id, path] : made)
             ASSERT_EQ(pathOfID(id), path);
-        unlink((small / "ballast").c_str());
+        makeRoom(small.path());
         EXPECT_EQ(make(3001), noErr);
         standin::useStateFolder(states() / "elsewhere");
         makeID(refAt(fileNamed("file")));

@@ -1,10 +1,7 @@
 // A disk without a free block, or one whose user has used up his share: changes are refused with dskFulErr, and what was there stays.
+#include "tests/standin/full_disks.h"
 #include "tests/standin/processes.h"
 #include "tests/standin/test_volume.h"
-
-#include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace
 {
@@ -50,30 +47,6 @@ protected:
         return refAt(folder() / name);
     }
 
-    // Big pieces first, then smaller ones, until not even a block is left.
-    void fill()
-    {
-        int ballast = open((folder() / "ballast").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-        ASSERT_GE(ballast, 0);
-        std::vector<char> piece(1 << 20, 'x');
-        for (std::size_t size = piece.size(); size > 0;)
-        {
-            ssize_t written = write(ballast, piece.data(), size);
-            if (written < 0 && (errno == ENOSPC || errno == EDQUOT))
-                size /= 2;
-            else
-                ASSERT_GT(written, 0);
-        }
-        fsync(ballast);
-        close(ballast);
-    }
-    void makeRoom()
-    {
-        unlink((folder() / "ballast").c_str());
-        if (share_)
-            runShell("sync -f '" + folder().path() + "'");   // a share is counted when the disk comes to it
-    }
-
 private:
     std::optional<Share> share_;
 };
@@ -88,14 +61,14 @@ TEST_P(FullDisk, AForkKeepsWhatItHad)
     FSRef ref = fileRef("file");
     Bytes old(3000, 7), more(1 << 20, 9);
     ASSERT_EQ(writeFork(ref, true, old), noErr);
-    fill();
+    fillDisk(folder().path());
     SInt16 fork = 0;
     ByteCount count = 0;
     ASSERT_EQ(openFork(ref, true, fsRdWrPerm, fork), noErr);
     EXPECT_EQ(FSWriteFork(fork, fsFromLEOF, 0, static_cast<ByteCount>(more.size()), more.data(), &count), dskFulErr);
     EXPECT_LT(count, more.size());
     EXPECT_EQ(FSCloseFork(fork), noErr);
-    makeRoom();
+    makeRoom(folder().path());
     Bytes after = forkOf(ref);
     ASSERT_GE(after.size(), old.size());
     EXPECT_EQ(Bytes(after.begin(), after.begin() + 3000), old);
@@ -105,7 +78,7 @@ TEST_P(FullDisk, MetadataAreTheOldOrTheNew)
 {
     FSRef typed = fileRef("typed"), untyped = fileRef("untyped");
     ASSERT_EQ(setType(typed, code("TEXT"), code("ttxt")), noErr);
-    fill();
+    fillDisk(folder().path());
     OSErr first = setType(typed, code("PICT"), code("ttxt")), second = setType(untyped, code("PICT"), code("ttxt")),
           lock = setLock(untyped, true);
     EXPECT_TRUE(doneOrFull(first)) << first;
@@ -114,7 +87,7 @@ TEST_P(FullDisk, MetadataAreTheOldOrTheNew)
     EXPECT_EQ(typeOf(typed), first == noErr ? code("PICT") : code("TEXT"));
     EXPECT_EQ(typeOf(untyped), second == noErr ? code("PICT") : 0);
     EXPECT_EQ(isLocked(untyped), lock == noErr);
-    makeRoom();
+    makeRoom(folder().path());
     EXPECT_EQ(setLock(untyped, false), noErr);
     EXPECT_EQ(setType(untyped, code("TEXT"), code("ttxt")), noErr);
     EXPECT_EQ(typeOf(untyped), code("TEXT"));
@@ -125,12 +98,12 @@ TEST_P(FullDisk, RenamesMovesAndDeletionsLoseNothing)
     FSRef ref = fileRef("file");
     Bytes fork(2000, 3);
     ASSERT_EQ(writeFork(ref, true, fork), noErr);
-    fill();
+    fillDisk(folder().path());
     EXPECT_TRUE(doneOrFull(rename(ref, "renamed")));
     EXPECT_EQ(forkOf(ref), fork);
     EXPECT_EQ(FSDeleteObject(&ref), noErr);
     EXPECT_EQ(namesIn(folder().path()), std::vector<std::string>{"ballast"});
-    makeRoom();
+    makeRoom(folder().path());
 }
 
 INSTANTIATE_TEST_SUITE_P(SomeDisks, FullDisk,
