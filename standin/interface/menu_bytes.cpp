@@ -60,8 +60,8 @@ UInt8 *itemAt(const Bytes &bytes, UInt16 item)
 {
     if (item == 0 || item > mostItems)
         return nullptr;
-    const Walk walk = walkTo(bytes, item);
-    return walk.count + 1 == item && hasItemAt(bytes, walk.place) ? bytes.data + walk.place : nullptr;
+    const std::size_t place = walkTo(bytes, item).place;
+    return hasItemAt(bytes, place) ? bytes.data + place : nullptr;
 }
 
 UInt32 enableFlags(const Bytes &bytes)
