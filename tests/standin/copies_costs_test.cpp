@@ -72,7 +72,7 @@ TEST_P(CopyCosts, AFileWithoutMetadataTakesFourteenCallsAndTwoForTheLooksBefore)
         copyLookedUp(test);
     });
     EXPECT_GT(calls, 6);
-    EXPECT_LE(calls, 16 + 6.0 / fileCount) << "six at most to open folders for the first time";
+    EXPECT_LE(calls, 16 + 20.0 / fileCount) << "a few open folders: for the first time, or again after a pause of the whole process";
 }
 
 ON_EVERY_DISK(CopyCosts);
