@@ -7,7 +7,8 @@
 include_guard(GLOBAL)
 
 # How the tests' own code is compiled, whatever the preset does to what it tests: optimised and sanitized, tests take
-# three times as long to compile and find no more. The thread sanitizer alone has to see how the tests' threads meet.
+# three times as long to compile and find no more, and debugging symbols are for the debug preset. The thread sanitizer alone
+# has to see how the tests' threads meet.
 # In the release and asan presets the commands are the same word for word, so that ./check compiles each test once.
 add_library(zerb_test_code INTERFACE)
 target_link_libraries(zerb_test_code INTERFACE zerb_warnings)
@@ -62,11 +63,11 @@ if(TARGET GTest::gtest)
     endif()
 endif()
 
-# zerb_test_sources(TARGET [HEADER...])
+# zerb_is_test_code(TARGET [HEADER...])
 #
 # TARGET is made of tests' own code, and takes the headers that are compiled already; more HEADERs are compiled for it alone. That
 # wants the same kind of code of libraries as of programs, so they leave its position to the compiler.
-function(zerb_test_sources target)
+function(zerb_is_test_code target)
     target_link_libraries(${target} PRIVATE zerb_test_code GTest::gtest)
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
     if(ARGN)
@@ -80,7 +81,7 @@ endfunction()
 #
 # Builds a GoogleTest program of these sources and libraries and has ./check run it in the named presets; the
 # debug preset, which is for working on the code, always lists it whole. A filter, as for --gtest_filter, limits
-# what a preset runs: PRESETS release asan "tsan=Threads*.*". HEADERS are compiled beforehand, as for zerb_test_sources.
+# what a preset runs: PRESETS release asan "tsan=Threads*.*". HEADERS are compiled beforehand, as for zerb_is_test_code.
 # OWN_MAIN leaves out GoogleTest's main function.
 # Without GoogleTest on this machine no program is made; nothing else may depend on a test program.
 function(zerb_add_test name)
@@ -90,7 +91,7 @@ function(zerb_add_test name)
         return()
     endif()
     add_executable(${name} ${test_SOURCES})
-    zerb_test_sources(${name} ${test_HEADERS})
+    zerb_is_test_code(${name} ${test_HEADERS})
     set(mainLibrary GTest::gtest_main)
     if(test_OWN_MAIN)
         set(mainLibrary "")

@@ -157,11 +157,15 @@ TEST_F(IconButtons, AMissingFamilyLeavesItsPlaceEmpty)
     EXPECT_EQ(pictureOf(window.port()).pixels, buttons.pixels);
 }
 
-TEST_F(IconButtons, SmallPicturesHaveTheBackgroundOfTheirWindow)
+TEST_F(IconButtons, SmallPicturesAreBlackOnTheBackgroundOfTheirWindow)
 {
+    const RGBColor red = {0xFFFF, 0, 0};
     const ButtonWindow window(8 * 20, 20, paper);
     for (SInt16 index = 0; index < 8; ++index)
+    {
+        RGBForeColor(&red);
         DrawSICN(window.window(), page, index, {2, static_cast<SInt16>(2 + index * 20)});
+    }
     EXPECT_TRUE(looksLike(window.port(), "small_pictures"));
 }
 
