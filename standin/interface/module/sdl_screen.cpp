@@ -191,9 +191,10 @@ void SdlScreen::captureMouse()
     SDL_CaptureMouse(SDL_TRUE);
 }
 
+// After a lost release the next press is no event, and only looking finds it.
 void SdlScreen::wait(UInt32 ticks)
 {
-    constexpr UInt32 mostTicks = 60 * 60;
+    const UInt32 mostTicks = hasLostRelease_ ? 1 : 60 * 60;
     awaitEvent(std::min(ticks, mostTicks) * 1000 / 60 + 1);
 }
 
@@ -248,6 +249,8 @@ void SdlScreen::takeButton(const SDL_MouseButtonEvent &event)
     const auto window = static_cast<ScreenWindow>(event.windowID);
     const bool isDown = event.type == SDL_MOUSEBUTTONDOWN;
     takeMotion(window, event.x, event.y);
+    if (!isDown && hasLostRelease_)   // a click so quick that nobody looked while the button was down
+        addButton(window, true);
     if (isDown != mouse_.isDown)
         addButton(window, isDown);
 }
